@@ -1,0 +1,51 @@
+// TextFile.h: classic text-file access on the installed FileSystem: print lines with
+// CR LF, line input that ends at CR or CR LF (a lone LF stays in the text), delimited
+// input, append mode with a reposition that overwrites the start of the file.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/FileSystem.h"
+
+namespace orvex {
+
+class TextFile {
+public:
+    // Each raises the classic failure of the file system (53 when an input file is
+    // missing, 76 for a missing folder, 70 when locked, ...).
+    static TextFile ForInput(std::string_view path);
+    static TextFile ForOutput(std::string_view path);  // created or truncated
+    static TextFile ForAppend(std::string_view path);  // created when missing
+    static TextFile ForBinary(std::string_view path);  // read and write, created when missing
+
+    bool Eof();
+    // One line without its end; failure 62 at end of file.
+    std::string LineInput();
+    // One delimited field (quotes dropped); failure 62 at end of file.
+    std::string Input();
+    // The text and CR LF.
+    void Print(std::string_view text);
+    // The bytes as they stand.
+    void Put(std::string_view bytes);
+    // Moves to a 1-based byte position.
+    void Seek(std::uint64_t position);
+    std::uint64_t Lof();
+    void Close();
+
+private:
+    explicit TextFile(std::unique_ptr<platform::FileStream> stream);
+    int peek();
+    int get();
+
+    std::unique_ptr<platform::FileStream> stream_;
+    std::string buffer_;        // read-ahead bytes
+    std::size_t bufferPos_ = 0;
+};
+
+// The whole content of a file as bytes.
+std::string ReadAllBytes(std::string_view path);
+
+}  // namespace orvex

@@ -1,0 +1,70 @@
+// RegistryHelper.h: the registry access object of the scans, removal and start-up.
+// A routine makes its own, selects a root and a key, and works below it. The text forms
+// that the scans split ("data|valueName", "name|data|type", binary as "12,0,255,", subkey
+// items with a "|" and their last write time behind it) are made here and nowhere else.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Registry.h"
+
+namespace orvex::platform {
+
+class RegistryHelper {
+public:
+    RegistryHelper();  // on the installed back-end
+    explicit RegistryHelper(RegistryBackend& backend);
+
+    void RootKey(Hive hive) { hive_ = hive; }
+    Hive RootKey() const { return hive_; }
+    void KeyPath(std::string path) { path_ = std::move(path); }
+    const std::string& KeyPath() const { return path_; }
+    // A subkey of the selected key that KeyExists looks at; std::nullopt clears it.
+    void SubKey(std::optional<std::string> name) { subKey_ = std::move(name); }
+
+    bool KeyExists();
+    // Below the selected key; an empty name in DeleteKey deletes the selected key itself,
+    // with everything under it. Status 0 is success, 2 "not there".
+    long CreateKey(const std::string& name);
+    long DeleteKey(const std::string& name);
+    long DeleteValue(const std::string& name);
+
+    // Subkey items as "name|lastWriteTime"; a scan takes the text before the first "|".
+    std::vector<std::string> EnumerateKeys(Hive hive, const std::string& path);
+    std::vector<std::string> EnumerateValues(Hive hive, const std::string& path);
+    // One "data|valueName" item per value.
+    std::vector<std::string> EnumerateValueData(Hive hive, const std::string& path);
+    // One "name|data|type" item per value, type in decimal.
+    std::vector<std::string> EnumerateAllValues(Hive hive, const std::string& path);
+
+    // The data of a value of the selected key, or `defaultValue` when it cannot be read.
+    // Binary data comes back as "12,0,255," with `binaryAsText`, else as the raw bytes;
+    // a DWORD as its decimal text.
+    std::string GetValue(const std::string& name, const std::string& defaultValue = "",
+                         bool binaryAsText = true);
+    // Writes a value of the selected key, creating the key when missing. REG_SZ and
+    // REG_EXPAND_SZ take the text, REG_DWORD a decimal text, REG_BINARY the raw bytes.
+    bool SetValue(const std::string& name, const std::string& data,
+                  std::uint32_t type = regtype::kSz);
+
+    // The text form of a value's data, as GetValue with `binaryAsText` gives it.
+    static std::string DataText(const RegValue& value);
+    // "12,0,255," and back; the text form must end in "," to be rebuilt.
+    static std::string BinaryText(const std::string& bytes);
+    static std::optional<std::string> BinaryFromText(const std::string& text);
+
+    // The root's name ("HKEY_LOCAL_MACHINE"), empty for HKEY_PERFORMANCE_DATA.
+    static std::string HiveName(Hive hive);
+
+private:
+    std::string selectedPath() const;
+
+    RegistryBackend& backend_;
+    Hive hive_ = Hive::LocalMachine;
+    std::string path_;
+    std::optional<std::string> subKey_;
+};
+
+}  // namespace orvex::platform

@@ -1,0 +1,74 @@
+// System.h: the remaining operating-system services the program uses: clock, identity,
+// folders, mutexes, shell, screen, windows and INI files.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvex::platform {
+
+struct LocalTime {
+    int year = 1899, month = 12, day = 30;
+    int hour = 0, minute = 0, second = 0;
+};
+
+struct TopWindow {
+    std::uintptr_t handle = 0;
+    std::string title;
+    std::uint32_t pid = 0;
+};
+
+using MutexHandle = std::uintptr_t;  // 0 is no handle
+
+struct MutexResult {
+    MutexHandle handle = 0;
+    bool alreadyExisted = false;
+};
+
+class System {
+public:
+    virtual ~System() = default;
+
+    virtual std::uint32_t tickCount() = 0;
+    virtual LocalTime now() = 0;
+    // The locale's short date and long time texts of a moment (en-US forms off Windows).
+    virtual std::string shortDateText(const LocalTime& t) = 0;
+    virtual std::string longTimeText(const LocalTime& t) = 0;
+    virtual std::optional<std::string> computerName() = 0;
+    virtual std::optional<std::string> userName() = 0;
+    virtual std::string windowsFolder() = 0;
+    virtual std::string systemFolder() = 0;
+    virtual std::optional<std::string> environment(std::string_view name) = 0;
+    // Full path of the running executable.
+    virtual std::string executablePath() = 0;
+
+    virtual MutexResult createMutex(std::string_view name, bool initialOwner) = 0;
+    virtual MutexHandle openMutex(std::string_view name) = 0;
+    virtual bool releaseMutex(MutexHandle handle) = 0;
+    virtual void closeHandle(MutexHandle handle) = 0;
+
+    // ShellExecute with the given verb; true on success.
+    virtual bool shellExecute(std::string_view verb, std::string_view file,
+                              std::string_view parameters, int showCommand) = 0;
+
+    virtual int screenWidthPixels() = 0;
+    virtual int screenHeightPixels() = 0;
+    virtual int screenDpiY() = 0;  // LOGPIXELSY of the desktop
+    virtual bool screenReaderActive() = 0;
+
+    virtual std::vector<TopWindow> topLevelWindows() = 0;
+    virtual bool postClose(std::uintptr_t window) = 0;
+
+    // GetPrivateProfileString/WritePrivateProfileString semantics; `capacity` is the
+    // buffer size in characters, so the value comes back cut to capacity - 1.
+    virtual std::string readProfileString(std::string_view section, std::string_view key,
+                                          std::string_view defaultValue, std::size_t capacity,
+                                          std::string_view file) = 0;
+    virtual bool writeProfileString(std::string_view section, std::string_view key,
+                                    std::string_view value, std::string_view file) = 0;
+};
+
+}  // namespace orvex::platform
