@@ -1,0 +1,19 @@
+// Config.h: the fixed values the program is built with, kept in one place.
+#pragma once
+
+namespace orvex::config {
+
+// The product's registry key below HKEY_LOCAL_MACHINE.
+inline constexpr const char* kProductKey = "Software\\Norvani\\Orvex Sentry";
+inline constexpr const char* kProductTitle = "Orvex Sentry";
+
+// The update endpoints: production, and the test host chosen by "/test".
+inline constexpr const char* kUpdateBaseUrl = "http://update.orvexsentry.com/";
+inline constexpr const char* kTestUpdateBaseUrl = "http://test.orvexsentry.com:1051/";
+
+// The single-instance markers other processes look for; each name holds two literal
+// backslashes.
+inline constexpr const char* kMutexNameNt5 = "Global\\\\_Orvex_Sentry";
+inline constexpr const char* kMutexNameOther = "\\\\_Orvex_Sentry";
+
+}  // namespace orvex::config

@@ -1,0 +1,122 @@
+// Controls.h: the control models forms are made of. They hold what a window shows (texts,
+// visibility, pictures, list rows, bar values); the Win32 renderer draws them and turns
+// clicks into the owning form's event routines. No logic may depend on pixels.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace orvex::ui {
+
+class Form;
+
+class Control {
+public:
+    // Registers itself with its form; `index` >= 0 makes it an element of a control array.
+    Control(Form& owner, std::string name, int index = -1);
+    virtual ~Control() = default;
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
+
+    Form& Parent() const { return owner_; }
+    bool IsArrayElement() const { return Index >= 0; }
+
+    std::string Name;
+    int Index = -1;
+    std::string Caption;
+    std::string ToolTipText;
+    std::string Tag;
+    bool Visible = true;
+    bool Enabled = true;
+    int Left = 0, Top = 0, Width = 0, Height = 0;  // twips
+
+private:
+    Form& owner_;
+};
+
+class Label : public Control {
+public:
+    using Control::Control;
+};
+
+// A clickable picture; Picture selects one of its images (normal, hover, pressed, ...).
+class ImageButton : public Control {
+public:
+    using Control::Control;
+    int Picture = 0;
+    std::function<void()> Click;
+};
+
+class CommandButton : public Control {
+public:
+    using Control::Control;
+    std::function<void()> Click;
+};
+
+class CheckBox : public Control {
+public:
+    using Control::Control;
+    int Value = 0;  // 0 clear, 1 checked
+};
+
+// A text box whose Change handler runs whenever its text is set, as the schedule
+// companion relies on when it writes into a hidden box.
+class TextBox : public Control {
+public:
+    using Control::Control;
+    const std::string& Text() const { return text_; }
+    void SetText(std::string text);
+    std::function<void()> Change;
+
+private:
+    std::string text_;
+};
+
+class ProgressBar : public Control {
+public:
+    using Control::Control;
+    int Min = 0;
+    int Max = 100;
+    int Value = 0;
+};
+
+class Timer : public Control {
+public:
+    using Control::Control;
+    int Interval = 0;  // milliseconds
+    std::function<void()> Tick;
+};
+
+class MenuItem : public Control {
+public:
+    using Control::Control;
+    bool Checked = false;
+    std::function<void()> Click;
+};
+
+struct ListItem {
+    std::string Text;
+    std::vector<std::string> SubItems;  // columns 2.. of the row
+    int SmallIcon = 0;
+    bool Checked = false;
+    bool Selected = false;
+    std::string Tag;
+};
+
+class ListView : public Control {
+public:
+    using Control::Control;
+    std::vector<std::string> ColumnHeaders;
+    std::vector<ListItem> ListItems;
+    bool Checkboxes = false;
+};
+
+class ListBox : public Control {
+public:
+    using Control::Control;
+    std::vector<std::string> Items;
+    int ListIndex = -1;
+};
+
+}  // namespace orvex::ui

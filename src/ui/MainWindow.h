@@ -1,0 +1,29 @@
+// MainWindow.h: frmmain, the first page of the wizard and the owner of the data loads.
+#pragma once
+
+#include "ui/Controls.h"
+#include "ui/Form.h"
+
+namespace orvex {
+
+class FrmMain : public ui::Form {
+public:
+    FrmMain();
+
+    // Loads the allowed list, the definitions and the backup list, in that order.
+    void actions();
+
+    ui::ImageButton Image2{*this, "Image2"};  // scan
+    ui::ImageButton Image3{*this, "Image3"};  // update
+    ui::ImageButton Image4{*this, "Image4"};  // exit
+    ui::Label lbl1{*this, "lbl1"};
+    ui::Label lbl2{*this, "lbl2"};
+    ui::Label lbldef{*this, "lbldef"};
+    ui::ListBox List1{*this, "List1"};
+    ui::ListView lvFiles{*this, "lvFiles"};
+    ui::TextBox txtScheduleCmd{*this, "txtScheduleCmd"};
+};
+
+FrmMain& frmmain();
+
+}  // namespace orvex

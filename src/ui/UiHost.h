@@ -1,0 +1,51 @@
+// UiHost.h: what needs a screen. The Win32 renderer implements it with real windows; the
+// headless host runs the same logic with none, for the command line and for tests.
+#pragma once
+
+#include <string>
+
+namespace orvex::ui {
+
+class Form;
+
+// Message box buttons and answers, with the Windows numbers.
+namespace msgbox {
+inline constexpr int kOkOnly = 0;
+inline constexpr int kOkCancel = 1;
+inline constexpr int kYesNo = 4;
+inline constexpr int kQuestion = 32;
+inline constexpr int kExclamation = 48;
+inline constexpr int kInformation = 64;
+inline constexpr int kOk = 1;
+inline constexpr int kCancel = 2;
+inline constexpr int kYes = 6;
+inline constexpr int kNo = 7;
+}  // namespace msgbox
+
+namespace pointer {
+inline constexpr int kDefault = 0;
+inline constexpr int kArrow = 1;
+inline constexpr int kHourglass = 11;
+}  // namespace pointer
+
+class UiHost {
+public:
+    virtual ~UiHost() = default;
+    // Lets pending events run; long loops call it between items.
+    virtual void DoEvents() = 0;
+    virtual void ShowForm(Form& form, bool modal) = 0;
+    virtual void HideForm(Form& form) = 0;
+    // Called before a form's instance is destroyed.
+    virtual void FormUnloaded(Form& form) = 0;
+    virtual int MsgBox(const std::string& prompt, int buttons, const std::string& title) = 0;
+    virtual void SetMousePointer(int pointer) = 0;
+};
+
+// The installed host; a headless one until a program installs another.
+UiHost& Host();
+void InstallHost(UiHost* host);
+
+// Yields to the user interface.
+inline void DoEvents() { Host().DoEvents(); }
+
+}  // namespace orvex::ui
