@@ -1,30 +1,31 @@
 // main.cpp: orvex, the command line of Orvex Sentry: the engine without windows, for
 // automation, definition authors and tests.
 #include <CLI/CLI.hpp>
+#include <exception>
 #include <iostream>
 
-#include "core/Version.h"
-
-namespace {
-
-constexpr int kExitError = 2;
-
-void AddVersionCommand(CLI::App& app) {
-    auto* version = app.add_subcommand("version", "Print the program's version");
-    version->callback([] { std::cout << "Orvex Sentry " << orvex::VersionText() << "\n"; });
-}
-
-}  // namespace
+#include "Commands.h"
+#include "core/Failure.h"
+#include "platform/Platform.h"
 
 int main(int argc, char** argv) {
+    using namespace orvex::cli;
     CLI::App app{"Orvex Sentry command line: scans, definitions and logs without windows."};
     app.require_subcommand(1);
-    AddVersionCommand(app);
+    int exitCode = kExitClean;
+    AddVersionCommand(app, exitCode);
     try {
+        auto host = orvex::platform::MakeHostPlatform();
+        orvex::platform::ScopedPlatform installed(host->view());
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
-        const int code = app.exit(e);
-        return code == 0 ? 0 : kExitError;
+        return app.exit(e) == 0 ? kExitClean : kExitError;
+    } catch (const orvex::Failure& f) {
+        std::cerr << "orvex: " << f.what() << " (failure " << f.number() << ")\n";
+        return kExitError;
+    } catch (const std::exception& e) {
+        std::cerr << "orvex: " << e.what() << "\n";
+        return kExitError;
     }
-    return 0;
+    return exitCode;
 }

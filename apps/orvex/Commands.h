@@ -1,0 +1,16 @@
+// Commands.h: the subcommands of the orvex command line, one file each.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace orvex::cli {
+
+// Exit codes: 0 clean, 1 threats found, 2 error.
+inline constexpr int kExitClean = 0;
+inline constexpr int kExitThreats = 1;
+inline constexpr int kExitError = 2;
+
+// Each adds its subcommand; the callback sets `exitCode`.
+void AddVersionCommand(CLI::App& app, int& exitCode);
+
+}  // namespace orvex::cli
