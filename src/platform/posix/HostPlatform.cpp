@@ -1,10 +1,34 @@
-// HostPlatform.cpp: the posix back-end as the installed platform.
+// HostPlatform.cpp: the POSIX back-end as the installed platform.
+// POSIX only: the engine's source glob reaches this folder on every platform.
+#ifndef _WIN32
 #include "platform/Platform.h"
-
-#include "core/Failure.h"
+#include "platform/posix/PosixFiles.h"
+#include "platform/posix/PosixProcesses.h"
+#include "platform/posix/PosixRegistry.h"
+#include "platform/posix/PosixSystem.h"
 
 namespace orvex::platform {
+namespace {
 
-std::unique_ptr<OwnedPlatform> MakeHostPlatform() { Raise(failure::kObjectNotSet); }
+class PosixPlatform : public OwnedPlatform {
+  public:
+    PosixPlatform() : system_(files_, files_.paths()), processes_(files_.paths()) {}
+
+    Platform view() override { return Platform{&registry_, &files_, &processes_, &system_}; }
+
+  private:
+    PosixFiles files_;
+    PosixRegistry registry_;
+    PosixSystem system_;
+    PosixProcesses processes_;
+};
+
+}  // namespace
+
+std::unique_ptr<OwnedPlatform> MakeHostPlatform() {
+    return std::make_unique<PosixPlatform>();
+}
 
 }  // namespace orvex::platform
+
+#endif  // _WIN32
