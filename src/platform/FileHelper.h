@@ -12,7 +12,7 @@
 namespace orvex::platform {
 
 class FileHelper {
-public:
+  public:
     FileHelper();  // on the installed back-end
     explicit FileHelper(FileSystem& files);
 
@@ -23,8 +23,11 @@ public:
     // "C:\a\b.txt" gives "C:\a\" (with the closing backslash) and "b.txt".
     static std::string FolderPart(const std::string& path);
     static std::string FilePart(const std::string& path);
-    // Empty text when the path does not exist.
+    // The 8.3 form of an existing path; a path that cannot be resolved comes back as it
+    // stands, so that "NUL" stays "NUL" in a WININIT.INI line.
     std::string ShortName(const std::string& path);
+    // The long form of an existing path; empty text when it cannot be resolved (callers
+    // keep their old text when the long form comes out shorter).
     std::string LongName(const std::string& path);
     bool ClearAttributes(const std::string& path);
     bool Copy(const std::string& from, const std::string& to, bool overwrite = true);
@@ -38,7 +41,7 @@ public:
 
     FileSystem& fs() { return files_; }
 
-private:
+  private:
     FileSystem& files_;
 };
 

@@ -4,6 +4,7 @@
 // items with a "|" and their last write time behind it) are made here and nowhere else.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,7 +14,7 @@
 namespace orvex::platform {
 
 class RegistryHelper {
-public:
+  public:
     RegistryHelper();  // on the installed back-end
     explicit RegistryHelper(RegistryBackend& backend);
 
@@ -40,25 +41,33 @@ public:
     std::vector<std::string> EnumerateAllValues(Hive hive, const std::string& path);
 
     // The data of a value of the selected key, or `defaultValue` when it cannot be read.
-    // Binary data comes back as "12,0,255," with `binaryAsText`, else as the raw bytes;
-    // a DWORD as its decimal text.
+    // Texts come back as they stand, a DWORD or QWORD as its decimal text. Binary data
+    // comes back with `binaryAsText` as a text of one character per byte (the Winsock
+    // reader finds the provider's path at the start of it), else as the raw bytes; both
+    // are the same bytes here, the flag says what the caller means to do with them.
     std::string GetValue(const std::string& name, const std::string& defaultValue = "",
                          bool binaryAsText = true);
-    // Writes a value of the selected key, creating the key when missing. REG_SZ and
-    // REG_EXPAND_SZ take the text, REG_DWORD a decimal text, REG_BINARY the raw bytes.
+    // Writes a value of the selected key, creating the key when missing. REG_SZ,
+    // REG_EXPAND_SZ and REG_MULTI_SZ take the text, REG_DWORD and REG_QWORD a decimal text
+    // (a negative one wraps, as a 32-bit Long does), every other type the raw bytes.
+    // False when the key cannot be made, the number is not one, or the write fails.
     bool SetValue(const std::string& name, const std::string& data,
                   std::uint32_t type = regtype::kSz);
 
-    // The text form of a value's data, as GetValue with `binaryAsText` gives it.
+    // The text form of a value's data in the enumerations: texts as they stand, DWORD and
+    // QWORD in decimal, every other type as "12,0,255,".
     static std::string DataText(const RegValue& value);
-    // "12,0,255," and back; the text form must end in "," to be rebuilt.
+    // "12,0,255," and back. Rebuilding reads as the catalog repair does: one byte per ",",
+    // the digits gathered before each; digits after the last "," are dropped, so a text
+    // without its final "," loses its last byte. std::nullopt for a piece that is no number
+    // from 0 to 255.
     static std::string BinaryText(const std::string& bytes);
     static std::optional<std::string> BinaryFromText(const std::string& text);
 
     // The root's name ("HKEY_LOCAL_MACHINE"), empty for HKEY_PERFORMANCE_DATA.
     static std::string HiveName(Hive hive);
 
-private:
+  private:
     std::string selectedPath() const;
 
     RegistryBackend& backend_;

@@ -1,0 +1,29 @@
+// MemoryFixture.h: the test base of every engine test: a fresh memory back-end installed
+// for the test, fresh shared state and language table, and a fixed disk "C:\".
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "platform/memory/MemoryPlatform.h"
+
+namespace orvex::testing {
+
+class MemoryPlatformTest : public ::testing::Test {
+  protected:
+    MemoryPlatformTest();
+    ~MemoryPlatformTest() override;
+
+    platform::memory::MemoryPlatform machine;
+    // Short names for the parts, as tests use them all the time.
+    platform::memory::MemoryRegistry& registry = machine.registry;
+    platform::memory::MemoryFileSystem& files = machine.files;
+    platform::memory::MemoryProcesses& processes = machine.processes;
+    platform::memory::MemorySystem& system = machine.system;
+
+  private:
+    std::unique_ptr<platform::ScopedPlatform> installed_;
+};
+
+}  // namespace orvex::testing
