@@ -1,0 +1,178 @@
+// Cipher_test.cpp: Coding's transformations and the Encrypt/Decrypt contract, including
+// stored lines computed independently of this code.
+#include "definitions/Cipher.h"
+
+#include <gtest/gtest.h>
+
+#include "core/AppState.h"
+#include "core/Rnd.h"
+#include "definitions/Coding.h"
+#include "platform/memory/MemoryPlatform.h"
+
+namespace orvex {
+namespace {
+
+std::string Bytes(std::initializer_list<int> values) {
+    std::string out;
+    for (int v : values)
+        out += static_cast<char>(v);
+    return out;
+}
+
+std::string Stretched(std::string_view text) {
+    Coding coding;
+    coding.Text(text);
+    coding.Stretch();
+    return coding.Text();
+}
+
+std::string Shrunk(std::string_view text) {
+    Coding coding;
+    coding.Text(text);
+    coding.Shrink();
+    return coding.Text();
+}
+
+std::string EncryptCopy(std::string text, std::string_view key) {
+    return Encrypt(text, key);
+}
+
+std::string DecryptCopy(std::string text, std::string_view key) {
+    return Decrypt(text, key);
+}
+
+TEST(Coding, StretchCarriesTopBitsInTheFourthCharacter) {
+    EXPECT_EQ(Stretched(Bytes({65, 66, 67})), Bytes({60, 61, 62, 80}));
+    EXPECT_EQ(Shrunk(Bytes({60, 61, 62, 80})), Bytes({65, 66, 67}));
+    EXPECT_EQ(Stretched(Bytes({255})), Bytes({122, 59 + 48}));
+    EXPECT_EQ(Stretched("").size(), 0u);
+}
+
+TEST(Coding, StretchLengthsOfShortGroups) {
+    EXPECT_EQ(Stretched("a").size(), 2u);
+    EXPECT_EQ(Stretched("ab").size(), 3u);
+    EXPECT_EQ(Stretched("abcd").size(), 6u);
+    EXPECT_EQ(Stretched(std::string(99, 'x')).size(), 132u);
+}
+
+TEST(Coding, ShrinkInvertsStretchForEveryByteAndLength) {
+    std::string all;
+    for (int c = 0; c < 256; ++c)
+        all += static_cast<char>(255 - c);
+    for (std::size_t n = 0; n <= all.size(); n += (n < 12 ? 1 : 37)) {
+        const std::string plain = all.substr(0, n);
+        const std::string stored = Stretched(plain);
+        for (char c : stored)
+            ASSERT_TRUE(c >= ';' && c <= 'z') << n;
+        EXPECT_EQ(Shrunk(stored), plain) << n;
+    }
+}
+
+TEST(Coding, DoXorIsItsOwnInverseAfterTheSameInitialize) {
+    Coding coding;
+    coding.KeyString("key       ");
+    coding.Text("some plain \x01\xFF text");
+    coding.DoXor();
+    const std::string mixed = coding.Text();
+    EXPECT_NE(mixed, "some plain \x01\xFF text");
+    Rnd();  // anything drawn in between is undone by Initialize
+    coding.Initialize();
+    coding.DoXor();
+    EXPECT_EQ(coding.Text(), "some plain \x01\xFF text");
+}
+
+TEST(Cipher, StoredLinesMatchIndependentlyComputedOnes) {
+    EXPECT_EQ(EncryptCopy("hello world", "Tq3m"), "ilxPxrws;GiyBU`lr>Ba]oZBcX<z<e");
+    EXPECT_EQ(EncryptCopy("abc", "LogKey12345"), "Y<K=nsh=abGUCq\\zz[<e");
+    std::string line = "ilxPxrws;GiyBU`lr>Ba]oZBcX<z<e";
+    EXPECT_EQ(Decrypt(line, kDefinitionKey), "hello world");
+}
+
+TEST(Cipher, EncryptAppendsTheKeyFieldToTheCallersText) {
+    std::string text = "line";
+    const std::string stored = Encrypt(text, "Tq3m");
+    EXPECT_EQ(text, "lineTq3m      ");
+    EXPECT_EQ(stored.size(), 14u + 5u + 2u);
+    EXPECT_EQ(stored.substr(stored.size() - 2), "<e");
+    for (char c : stored.substr(0, stored.size() - 2))
+        EXPECT_TRUE(c >= ';' && c <= 'z');
+    EXPECT_EQ(KeyField("0123456789abc"), "0123456789");
+}
+
+TEST(Cipher, KeysThatFillTheSameFieldAreTheSameKey) {
+    EXPECT_EQ(EncryptCopy("x|y", "Tq3m"), EncryptCopy("x|y", "Tq3m  "));
+    EXPECT_EQ(EncryptCopy("x|y", "ABCDEFGHIJ"), EncryptCopy("x|y", "ABCDEFGHIJKL"));
+    EXPECT_EQ(DecryptCopy(EncryptCopy("x|y", "Tq3m"), "Tq3m      "), "x|y");
+}
+
+TEST(Cipher, RoundTripKeepsEveryByteAndTrailingBlanks) {
+    std::string plain;
+    for (int c = 0; c < 256; ++c)
+        plain += static_cast<char>(c);
+    for (const std::string& text : {plain, std::string("value with blanks   "), std::string()})
+        EXPECT_EQ(DecryptCopy(EncryptCopy(text, "Tq3m"), "Tq3m"), text);
+}
+
+TEST(Cipher, WithoutMarkerIsErr1AndTheTextStays) {
+    for (std::string text : {"", "<", "abc", "abc<E", "abc<e "}) {
+        const std::string before = text;
+        EXPECT_EQ(Decrypt(text, "Tq3m"), "ERR1");
+        EXPECT_EQ(text, before);
+    }
+}
+
+TEST(Cipher, MarkerIsCutFromTheCallersText) {
+    std::string text = EncryptCopy("abc", "Tq3m");
+    const std::string withoutMarker = text.substr(0, text.size() - 2);
+    EXPECT_EQ(Decrypt(text, "Tq3m"), "abc");
+    EXPECT_EQ(text, withoutMarker);
+}
+
+TEST(Cipher, WrongKeyIsErr2) {
+    EXPECT_EQ(DecryptCopy(EncryptCopy("abc", "Tq3m"), "Tq3n"), "ERR2");
+    EXPECT_EQ(DecryptCopy(EncryptCopy("abc", "Tq3m"), ""), "ERR2");
+}
+
+TEST(Cipher, DecryptDoesNotDependOnEarlierDraws) {
+    const std::string stored = EncryptCopy("definition|record", "Tq3m");
+    Randomize(12345.0);
+    Rnd();
+    EXPECT_EQ(DecryptCopy(stored, "Tq3m"), "definition|record");
+    std::string plain = "stale contents";
+    std::string text = stored;
+    Decrypt(text, "Tq3m", plain);
+    EXPECT_EQ(plain, "definition|record");
+}
+
+// Texts the cipher never made reach Shrink's failure branch; the handler logs and goes on.
+class CipherOnForeignText : public ::testing::Test {
+  protected:
+    CipherOnForeignText() {
+        App() = AppState{};
+        App().DataFolder = "C:\\Data\\";
+        machine.files.addFolder("C:\\Data");
+    }
+    ~CipherOnForeignText() override { App() = AppState{}; }
+    std::string log() { return machine.files.contents("C:\\Data\\ovs.ph"); }
+
+    platform::memory::MemoryPlatform machine;
+    platform::ScopedPlatform installed{machine.view()};
+};
+
+TEST_F(CipherOnForeignText, MarkerAloneIsErr2) {
+    std::string text = "<e";
+    EXPECT_EQ(Decrypt(text, "Tq3m"), "ERR2");
+    EXPECT_EQ(text, "");
+    EXPECT_NE(log().find("Procedure ( Shrink ) - Module ( Coding )"), std::string::npos);
+}
+
+TEST_F(CipherOnForeignText, ShortOrControlCharacterTextsAreErr2) {
+    for (std::string text : {"a<e", "abcdefghijklmnop<e", "\x01\x02\x03\x04\x05<e",
+                             "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t<e"}) {
+        EXPECT_EQ(Decrypt(text, "Tq3m"), "ERR2");
+    }
+    EXPECT_NE(log().find("Error [ 5 ]:  Invalid procedure call or argument"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace orvex
