@@ -29,7 +29,7 @@ enum class Outcome : std::int16_t {
 
 // Per-call lists of failure numbers, each number between two "|" ("|53|70|").
 struct ErrorLists {
-    std::string resume, resumeNext, resumeAtLabel, gotoZero, exit;
+    std::string resume{}, resumeNext{}, resumeAtLabel{}, gotoZero{}, exit{};
 };
 
 // The shared outcome of the last handled failure.
@@ -47,11 +47,18 @@ void WriteErrorToLog(const std::string& message, std::int16_t outcome);
 // The log's name for an outcome ("Resume", ..., "Exit Project"); empty outside 1..5.
 std::string OutcomeName(std::int16_t outcome);
 
+// The outcome for a failure number: the caller's lists first (the last list holding
+// "|number|" wins), then the fixed tables; anything unknown or out of range is 5.
+std::int16_t ClassifyFailure(int number, const ErrorLists& lists = {});
+
+// "major.minor.revision" as the log shows it, the revision with at least two digits.
+std::string ErrorLogVersionText(int major, int minor, int revision);
+
 // Thrown to leave a procedure; Procedure::Run catches it.
 struct LeaveProcedure {};
 
 class Procedure {
-public:
+  public:
     // A retry loop that keeps failing ends after this many attempts and leaves the
     // procedure: a missing file must not hang the program.
     static constexpr int kRetryLimit = 16;
@@ -99,7 +106,7 @@ public:
     const std::string& module() const { return module_; }
     const std::string& name() const { return name_; }
 
-private:
+  private:
     std::int16_t Handle(int number, const std::string& description, int line) {
         return ErrorHandler(number, description, line, module_, name_, lists_);
     }
