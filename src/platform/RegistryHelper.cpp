@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "core/Failure.h"
 #include "platform/Platform.h"
 
 namespace orvex::platform {
@@ -47,6 +48,108 @@ std::optional<std::uint64_t> ParseNumber(std::string_view text, std::size_t widt
 
 bool IsText(std::uint32_t type) {
     return type == regtype::kSz || type == regtype::kExpandSz || type == regtype::kMultiSz;
+}
+
+// The saved-key file: a header line, then for each key a "K" line with its path below the
+// saved key, followed by one "V" line per value (name, type, data), tab-separated, with
+// control characters and "%" written as "%XX".
+constexpr std::string_view kSavedKeyHeader = "Orvex Sentry saved key 1";
+
+std::string Escape(std::string_view bytes) {
+    static const char* hex = "0123456789ABCDEF";
+    std::string out;
+    for (char c : bytes) {
+        const auto u = static_cast<unsigned char>(c);
+        if (u < 0x20 || u == 0x7F || c == '%') {
+            out += '%';
+            out += hex[u >> 4];
+            out += hex[u & 0xF];
+        } else {
+            out += c;
+        }
+    }
+    return out;
+}
+
+std::optional<std::string> Unescape(std::string_view text) {
+    std::string out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '%') {
+            out += text[i];
+            continue;
+        }
+        unsigned value = 0;
+        if (i + 2 >= text.size()) return std::nullopt;
+        const auto [end, ec] = std::from_chars(text.data() + i + 1, text.data() + i + 3, value, 16);
+        if (ec != std::errc() || end != text.data() + i + 3) return std::nullopt;
+        out += static_cast<char>(value);
+        i += 2;
+    }
+    return out;
+}
+
+std::vector<std::string_view> SplitTabs(std::string_view line) {
+    std::vector<std::string_view> fields;
+    std::size_t start = 0;
+    for (std::size_t tab = line.find('\t'); tab != std::string_view::npos;
+         tab = line.find('\t', start)) {
+        fields.push_back(line.substr(start, tab - start));
+        start = tab + 1;
+    }
+    fields.push_back(line.substr(start));
+    return fields;
+}
+
+struct SavedKey {
+    std::string path;  // below the saved key, "" for the key itself
+    std::vector<RegValue> values;
+};
+
+std::optional<std::vector<SavedKey>> ParseSavedKeys(const std::string& text) {
+    std::vector<SavedKey> keys;
+    std::size_t start = 0;
+    bool first = true;
+    while (start < text.size()) {
+        std::size_t end = text.find('\n', start);
+        if (end == std::string::npos) end = text.size();
+        std::string_view line(text.data() + start, end - start);
+        start = end + 1;
+        if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+        if (first) {
+            if (line != kSavedKeyHeader) return std::nullopt;
+            first = false;
+            continue;
+        }
+        const auto fields = SplitTabs(line);
+        if (fields.size() == 2 && fields[0] == "K") {
+            auto path = Unescape(fields[1]);
+            if (!path) return std::nullopt;
+            keys.push_back(SavedKey{*path, {}});
+        } else if (fields.size() == 4 && fields[0] == "V" && !keys.empty()) {
+            auto name = Unescape(fields[1]);
+            auto type = ParseNumber(fields[2], 4);
+            auto data = Unescape(fields[3]);
+            if (!name || !type || !data) return std::nullopt;
+            keys.back().values.push_back(RegValue{*name, static_cast<std::uint32_t>(*type), *data});
+        } else if (!line.empty()) {
+            return std::nullopt;
+        }
+    }
+    if (first || keys.empty() || !keys.front().path.empty()) return std::nullopt;
+    return keys;
+}
+
+std::optional<std::string> ReadWholeFile(const std::string& file) {
+    try {
+        auto stream = Files().open(file, OpenMode::Read);
+        std::string bytes;
+        char buffer[4096];
+        while (std::size_t n = stream->read(buffer, sizeof buffer))
+            bytes.append(buffer, n);
+        return bytes;
+    } catch (const Failure&) {
+        return std::nullopt;
+    }
 }
 
 }  // namespace
@@ -138,6 +241,70 @@ bool RegistryHelper::SetValue(const std::string& name, const std::string& data,
     if (!backend_.keyExists(hive_, path) && backend_.createKey(hive_, path) != regstatus::kOk)
         return false;
     return backend_.writeValue(hive_, path, value) == regstatus::kOk;
+}
+
+namespace {
+bool AppendTree(RegistryBackend& backend, Hive hive, const std::string& path,
+                const std::string& relative, std::string& text) {
+    std::vector<RegValue> values;
+    std::vector<RegSubKey> subKeys;
+    if (backend.listValues(hive, path, values) != regstatus::kOk ||
+        backend.listSubKeys(hive, path, subKeys) != regstatus::kOk)
+        return false;
+    text += "K\t" + Escape(relative) + "\r\n";
+    for (const auto& v : values)
+        text +=
+            "V\t" + Escape(v.name) + "\t" + std::to_string(v.type) + "\t" + Escape(v.data) + "\r\n";
+    for (const auto& k : subKeys)
+        if (!AppendTree(backend, hive, Join(path, k.name), Join(relative, k.name), text))
+            return false;
+    return true;
+}
+
+// Empties a key of its values and subkeys.
+bool ClearKey(RegistryBackend& backend, Hive hive, const std::string& path) {
+    std::vector<RegValue> values;
+    std::vector<RegSubKey> subKeys;
+    if (backend.listValues(hive, path, values) != regstatus::kOk ||
+        backend.listSubKeys(hive, path, subKeys) != regstatus::kOk)
+        return false;
+    for (const auto& v : values)
+        if (backend.deleteValue(hive, path, v.name) != regstatus::kOk) return false;
+    for (const auto& k : subKeys)
+        if (backend.deleteTree(hive, Join(path, k.name)) != regstatus::kOk) return false;
+    return true;
+}
+}  // namespace
+
+bool RegistryHelper::SaveKey(Hive hive, const std::string& keyPath, const std::string& file) {
+    std::string text = std::string(kSavedKeyHeader) + "\r\n";
+    if (!backend_.keyExists(hive, keyPath) || !AppendTree(backend_, hive, keyPath, "", text))
+        return false;
+    try {
+        FileSystem& files = Files();
+        if (files.fileExists(file)) return false;
+        auto stream = files.open(file, OpenMode::Write);
+        stream->write(text.data(), text.size());
+        stream->flush();
+        return true;
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
+bool RegistryHelper::RestoreKey(const std::string& file, Hive hive, const std::string& keyPath) {
+    const auto text = ReadWholeFile(file);
+    const auto keys = text ? ParseSavedKeys(*text) : std::nullopt;
+    if (!keys) return false;
+    if (backend_.createKey(hive, keyPath) != regstatus::kOk || !ClearKey(backend_, hive, keyPath))
+        return false;
+    for (const auto& key : *keys) {
+        const std::string path = Join(keyPath, key.path);
+        if (backend_.createKey(hive, path) != regstatus::kOk) return false;
+        for (const auto& v : key.values)
+            if (backend_.writeValue(hive, path, v) != regstatus::kOk) return false;
+    }
+    return true;
 }
 
 std::string RegistryHelper::DataText(const RegValue& value) {

@@ -54,6 +54,14 @@ class RegistryHelper {
     bool SetValue(const std::string& name, const std::string& data,
                   std::uint32_t type = regtype::kSz);
 
+    // Writes the key `keyPath` of `hive` with everything below it to `file` on the
+    // installed FileSystem. False when the key is missing, the file already exists (as
+    // RegSaveKey refuses to overwrite) or cannot be written.
+    bool SaveKey(Hive hive, const std::string& keyPath, const std::string& file);
+    // Brings back what SaveKey wrote as the key `keyPath` of `hive`: the key is created
+    // when missing and ends up holding exactly the saved subkeys and values.
+    bool RestoreKey(const std::string& file, Hive hive, const std::string& keyPath);
+
     // The text form of a value's data in the enumerations: texts as they stand, DWORD and
     // QWORD in decimal, every other type as "12,0,255,".
     static std::string DataText(const RegValue& value);

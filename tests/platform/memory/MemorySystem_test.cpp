@@ -1,0 +1,132 @@
+// MemorySystem_test.cpp: the scripted system services: en-US date texts, mutexes shared
+// between simulated processes, recorded shell and window calls.
+#include <gtest/gtest.h>
+
+#include "platform/memory/MemoryPlatform.h"
+
+namespace orvex::platform::memory {
+namespace {
+
+class MemorySystemTest : public ::testing::Test {
+  protected:
+    MemoryFileSystem files;
+    MemorySystem sys{files};
+};
+
+TEST_F(MemorySystemTest, DateAndTimeTextsFollowEnUs) {
+    EXPECT_EQ(sys.shortDateText(LocalTime{2026, 11, 22, 19, 14, 5}), "11/22/2026");
+    EXPECT_EQ(sys.shortDateText(LocalTime{2026, 1, 5}), "1/5/2026");
+    EXPECT_EQ(sys.longTimeText(LocalTime{2026, 11, 22, 19, 14, 5}), "7:14:05 PM");
+    EXPECT_EQ(sys.longTimeText(LocalTime{2026, 1, 1, 0, 0, 9}), "12:00:09 AM");
+    EXPECT_EQ(sys.longTimeText(LocalTime{2026, 1, 1, 12, 30, 0}), "12:30:00 PM");
+    EXPECT_EQ(sys.longTimeText(LocalTime{2026, 1, 1, 11, 59, 59}), "11:59:59 AM");
+}
+
+TEST_F(MemorySystemTest, TheTickCountAdvancesByItsStep) {
+    sys.setTickCount(500);
+    EXPECT_EQ(sys.tickCount(), 500u);
+    EXPECT_EQ(sys.tickCount(), 501u);
+    sys.setTickStep(0);
+    sys.advanceTicks(1000);
+    EXPECT_EQ(sys.tickCount(), 1502u);
+    EXPECT_EQ(sys.tickCount(), 1502u);
+    sys.setTickCount(0xFFFFFFFFu);
+    sys.setTickStep(2);
+    sys.tickCount();
+    EXPECT_EQ(sys.tickCount(), 1u);  // wraps like GetTickCount after 49.7 days
+}
+
+TEST_F(MemorySystemTest, IdentityAndEnvironmentCanBeScriptedOrFail) {
+    sys.setComputerName(std::nullopt);
+    EXPECT_EQ(sys.computerName(), std::nullopt);
+    sys.setEnvironment("SystemRoot", "C:\\WINDOWS");
+    EXPECT_EQ(sys.environment("SYSTEMROOT"), "C:\\WINDOWS");
+    sys.setEnvironment("systemroot", std::nullopt);
+    EXPECT_EQ(sys.environment("SystemRoot"), std::nullopt);
+}
+
+TEST_F(MemorySystemTest, ASecondProcessSeesTheFirstOnesMutexUntilItIsClosed) {
+    auto table = std::make_shared<MutexTable>();
+    MemorySystem first(files, table), second(files, table);
+    const auto mine = first.createMutex("OrvexSentry", true);
+    EXPECT_FALSE(mine.alreadyExisted);
+    const auto theirs = second.createMutex("OrvexSentry", true);
+    EXPECT_TRUE(theirs.alreadyExisted);
+    EXPECT_NE(mine.handle, theirs.handle);
+    EXPECT_FALSE(second.releaseMutex(theirs.handle));  // ownership was not granted
+    EXPECT_EQ(second.createMutex("orvexsentry", false).alreadyExisted, false);  // case counts
+
+    EXPECT_TRUE(first.releaseMutex(mine.handle));
+    EXPECT_FALSE(first.releaseMutex(mine.handle));
+    first.closeHandle(mine.handle);
+    EXPECT_NE(second.openMutex("OrvexSentry"), 0u);  // the second still holds a handle
+    second.closeHandle(theirs.handle);
+    EXPECT_TRUE(table->exists("OrvexSentry"));
+}
+
+TEST_F(MemorySystemTest, AMutexDisappearsWithItsLastHandle) {
+    const auto m = sys.createMutex("Once", false);
+    EXPECT_TRUE(sys.holdsMutex("Once"));
+    sys.closeHandle(m.handle);
+    EXPECT_FALSE(sys.holdsMutex("Once"));
+    EXPECT_EQ(sys.openMutex("Once"), 0u);
+    EXPECT_FALSE(sys.createMutex("Once", false).alreadyExisted);
+    EXPECT_FALSE(sys.createMutex("", true).alreadyExisted);
+    EXPECT_FALSE(sys.createMutex("", true).alreadyExisted);
+}
+
+TEST_F(MemorySystemTest, ShellAndWindowCallsAreRecorded) {
+    sys.setShellExecuteResult(false);
+    EXPECT_FALSE(sys.shellExecute("Open", "C:\\ovshelp.chm", "", 1));
+    ASSERT_EQ(sys.shellCalls().size(), 1u);
+    EXPECT_EQ(sys.shellCalls()[0].verb, "Open");
+    EXPECT_EQ(sys.shellCalls()[0].file, "C:\\ovshelp.chm");
+
+    const auto w = sys.addWindow("Orvex Sentry", 4000);
+    EXPECT_EQ(sys.topLevelWindows().at(0).title, "Orvex Sentry");
+    EXPECT_TRUE(sys.postClose(w));
+    EXPECT_FALSE(sys.postClose(w + 1));
+    EXPECT_EQ(sys.closeRequests(), std::vector<std::uintptr_t>{w});
+}
+
+TEST_F(MemorySystemTest, ProfileStringsLiveInItsFileSystem) {
+    files.addDrive("C:\\");
+    EXPECT_TRUE(
+        sys.writeProfileString("Language", "CurrentLanguage", "English", "C:\\LangSetting.ini"));
+    EXPECT_EQ(files.contents("C:\\LangSetting.ini"), "[Language]\r\nCurrentLanguage=English\r\n");
+    EXPECT_EQ(sys.readProfileString("language", "currentlanguage", "", 512, "C:\\LangSetting.ini"),
+              "English");
+}
+
+TEST(MemoryProcesses, TerminateRemovesTheProcessUnlessItIsProtected) {
+    MemoryProcesses procs;
+    const auto a = procs.addProcess("C:\\WINDOWS\\explorer.exe");
+    const auto b = procs.addProcess("C:\\bad\\spy.exe");
+    EXPECT_NE(a, b);
+    EXPECT_EQ(procs.listImageNames(), (std::vector<std::string>{"explorer.exe", "spy.exe"}));
+    procs.protect(a);
+    EXPECT_FALSE(procs.terminate(a));
+    EXPECT_TRUE(procs.terminate(b));
+    EXPECT_FALSE(procs.terminate(b));
+    EXPECT_TRUE(procs.running(a));
+    EXPECT_FALSE(procs.running(b));
+    EXPECT_EQ(procs.terminated(), std::vector<std::uint32_t>{b});
+    ASSERT_EQ(procs.listWithPaths().size(), 1u);
+    EXPECT_EQ(procs.listWithPaths()[0].imagePath, "C:\\WINDOWS\\explorer.exe");
+}
+
+TEST(MemoryProcesses, VersionAndStartsAreScripted) {
+    MemoryProcesses procs;
+    EXPECT_EQ(procs.osVersion()->platformId, 2u);
+    procs.setOsVersion(1, 4, 10);
+    EXPECT_EQ(procs.osVersion()->minor, 10u);
+    procs.failOsVersion();
+    EXPECT_EQ(procs.osVersion(), std::nullopt);
+    EXPECT_TRUE(procs.start("C:\\x.exe", "/scan", true));
+    ASSERT_EQ(procs.startCalls().size(), 1u);
+    EXPECT_EQ(procs.startCalls()[0].arguments, "/scan");
+    EXPECT_TRUE(procs.startCalls()[0].hidden);
+}
+
+}  // namespace
+}  // namespace orvex::platform::memory
