@@ -59,8 +59,9 @@ struct LeaveProcedure {};
 
 class Procedure {
   public:
-    // A retry loop that keeps failing ends after this many attempts and leaves the
-    // procedure: a missing file must not hang the program.
+    // A retry loop that keeps failing ends after this many attempts, and the statement
+    // then counts as passed over, so that the program goes on running: a missing file
+    // must not hang it.
     static constexpr int kRetryLimit = 16;
 
     Procedure(std::string module, std::string name, ErrorLists lists = {})
@@ -80,8 +81,10 @@ class Procedure {
             } catch (const std::bad_alloc&) {
                 outcome = Handle(failure::kOutOfMemory, StandardDescription(7), line);
             }
-            if (outcome == static_cast<std::int16_t>(Outcome::Resume) && attempt < kRetryLimit)
-                continue;
+            if (outcome == static_cast<std::int16_t>(Outcome::Resume)) {
+                if (attempt < kRetryLimit) continue;
+                return false;
+            }
             if (outcome == static_cast<std::int16_t>(Outcome::ResumeNext) ||
                 outcome == static_cast<std::int16_t>(Outcome::ExitProject))
                 return false;

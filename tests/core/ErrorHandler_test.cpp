@@ -159,9 +159,9 @@ class ProcedureTest : public ErrorLogTest {};
 TEST_F(ProcedureTest, ResumeRetriesWithOneEntryPerAttemptAndIsBounded) {
     Procedure proc("Module1", "LoadStaticDat");
     int attempts = 0, entries = 0;
-    bool after = false;
+    bool completed = true, after = false;
     proc.Run([&] {
-        proc.Step([&] {
+        completed = proc.Step([&] {
             ++attempts;
             if (files.fileExists(kLog)) {
                 ++entries;
@@ -174,7 +174,9 @@ TEST_F(ProcedureTest, ResumeRetriesWithOneEntryPerAttemptAndIsBounded) {
     if (files.fileExists(kLog)) ++entries;
     EXPECT_EQ(attempts, Procedure::kRetryLimit);
     EXPECT_EQ(entries, Procedure::kRetryLimit);
-    EXPECT_FALSE(after);
+    // Once the retries are spent the statement is passed over and the procedure goes on.
+    EXPECT_FALSE(completed);
+    EXPECT_TRUE(after);
 }
 
 TEST_F(ProcedureTest, ResumeSucceedsOnALaterAttempt) {
