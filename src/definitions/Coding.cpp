@@ -3,6 +3,7 @@
 #include "definitions/Coding.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "core/ErrorHandler.h"
 #include "core/Rnd.h"
@@ -12,15 +13,45 @@ namespace {
 
 constexpr char kModule[] = "Coding";
 constexpr int kFirstPrintable = 59;  // ";", the lowest character Stretch writes
-
-unsigned Byte(const std::string& text, std::size_t oneBasedIndex) {
-    return static_cast<unsigned char>(text[oneBasedIndex - 1]);
-}
+// Lines longer than this take their key stream straight from the generator.
+constexpr std::size_t kMaxCachedStream = 8192;
 
 // Chr of a computed value: failure 5 outside 0..255.
 char ChrByte(int value) {
     if (value < 0 || value > 255) Raise(failure::kInvalidCall);
     return static_cast<char>(value);
+}
+
+// The statement output[i] = Chr(value) under the procedure's handler; kept out of the hot
+// loop, which only gets here for text the cipher did not make.
+[[gnu::cold]] void StoreChr(Procedure& proc, char& out, int value) {
+    proc.Step([&] { out = ChrByte(value); });
+}
+
+inline void Store(Procedure& proc, char& out, int value) {
+    if (value >= 0)
+        out = static_cast<char>(value);
+    else
+        StoreChr(proc, out, value);
+}
+
+// text[i] ^= stream[i], eight bytes at a time.
+void XorBytes(char* text, const char* stream, std::size_t length) {
+    std::size_t i = 0;
+    for (; i + 8 <= length; i += 8) {
+        std::uint64_t a, b;
+        std::memcpy(&a, text + i, 8);
+        std::memcpy(&b, stream + i, 8);
+        a ^= b;
+        std::memcpy(text + i, &a, 8);
+    }
+    for (; i < length; ++i)
+        text[i] = static_cast<char>(text[i] ^ stream[i]);
+}
+
+// The six-bit value of a stretched character; negative for characters below ";".
+inline int Low(unsigned char c) {
+    return c - kFirstPrintable;
 }
 
 }  // namespace
@@ -34,23 +65,52 @@ void Coding::Initialize() {
     Procedure proc(kModule, "Initialize");
     proc.Run([&] {
         Generator& generator = ProcessGenerator();
+        if (initialized_ && keyString_ == initializedKey_) {
+            generator.setState(initializedState_);
+            return;
+        }
         generator.Randomize(generator.Rnd(-1.0f));
         for (const unsigned char c : keyString_) {
             const float r = generator.Rnd();
             const float p = -r * static_cast<float>(c);  // one single-precision product
             generator.Randomize(generator.Rnd(p));
         }
+        initializedKey_ = keyString_;
+        initializedState_ = generator.state();
+        initialized_ = true;
     });
 }
 
 void Coding::DoXor() {
     Procedure proc(kModule, "DoXor");
     proc.Run([&] {
-        Generator& generator = ProcessGenerator();
+        const std::size_t length = text_.size();
+        if (length <= kMaxCachedStream) return XorFromCache(length);
+        // A local copy keeps the state in a register; the text's bytes might alias it.
+        Generator generator = ProcessGenerator();
         // Int(Rnd() * 256) is the top byte of the advanced state.
         for (char& c : text_)
             c = static_cast<char>(c ^ (generator.Advance() >> 16));
+        ProcessGenerator() = generator;
     });
+}
+
+void Coding::XorFromCache(std::size_t length) {
+    Generator& shared = ProcessGenerator();
+    if (shared.state() != streamStart_) {
+        streamStart_ = shared.state();
+        streamBytes_.clear();
+        streamStates_.clear();
+    }
+    if (streamBytes_.size() < length) {
+        Generator generator(streamStates_.empty() ? streamStart_ : streamStates_.back());
+        while (streamBytes_.size() < length) {
+            streamStates_.push_back(generator.Advance());
+            streamBytes_.push_back(static_cast<char>(generator.state() >> 16));
+        }
+    }
+    XorBytes(text_.data(), streamBytes_.data(), length);
+    if (length > 0) shared.setState(streamStates_[length - 1]);
 }
 
 void Coding::Stretch() {
@@ -58,11 +118,13 @@ void Coding::Stretch() {
     proc.Run([&] {
         const std::size_t n = text_.size();
         scratch_.resize(n + (n + 2) / 3);
+        const auto* in = reinterpret_cast<const unsigned char*>(text_.data());
+        char* out = scratch_.data();
         std::size_t k = 0;
         unsigned top = 0;
         for (std::size_t i = 1; i <= n; ++i) {
-            const unsigned c = Byte(text_, i);
-            scratch_[k++] = static_cast<char>((c & 63) + kFirstPrintable);
+            const unsigned c = in[i - 1];
+            out[k++] = static_cast<char>((c & 63) + kFirstPrintable);
             switch (i % 3) {
                 case 1:
                     top |= (c / 64) * 16;
@@ -72,11 +134,11 @@ void Coding::Stretch() {
                     break;
                 default:
                     top |= c / 64;
-                    scratch_[k++] = static_cast<char>(top + kFirstPrintable);
+                    out[k++] = static_cast<char>(top + kFirstPrintable);
                     top = 0;
             }
         }
-        if (n % 3 != 0) scratch_[k++] = static_cast<char>(top + kFirstPrintable);
+        if (n % 3 != 0) out[k] = static_cast<char>(top + kFirstPrintable);
         text_.swap(scratch_);
     });
 }
@@ -92,35 +154,30 @@ void Coding::Shrink() {
             if (m < 0) Raise(failure::kInvalidCall);
             scratch_.assign(static_cast<std::size_t>(m), ' ');
         });
-        std::ptrdiff_t k = 0, j = 0;
-        int top = 0;  // negative for characters below ";"; the bit tests below want that
-        for (std::ptrdiff_t i = 1; i <= m; ++i) {
-            const int t =
-                static_cast<int>(Byte(text_, static_cast<std::size_t>(++k))) - kFirstPrintable;
-            int high = 0;
-            switch (i % 3) {
-                case 1:
-                    j = std::min(j + 4, n);
-                    top = static_cast<int>(Byte(text_, static_cast<std::size_t>(j))) -
-                          kFirstPrintable;
-                    high = ((top / 16) & 3) * 64;
-                    break;
-                case 2:
-                    high = ((top / 4) & 3) * 64;
-                    break;
-                default:
-                    high = (top & 3) * 64;
-                    ++k;  // the group's fourth character holds the top bits
-            }
-            const int value = t | high;
-            char& out = scratch_[static_cast<std::size_t>(i - 1)];
-            if (value >= 0)
-                out = static_cast<char>(value);
-            else
-                proc.Step([&] { out = ChrByte(value); });  // a byte below ";" in the input
-        }
+        ShrinkGroups(proc, scratch_.size());
         text_.swap(scratch_);
     });
+}
+
+// Each group of four characters gives three bytes: a low six-bit value from each of the
+// first three, a bit pair from the fourth (first byte's pair highest). A last group of two
+// or three characters takes its pairs from the text's last character. The divisions keep
+// the classic integer semantics for characters below ";" (negative values).
+void Coding::ShrinkGroups(Procedure& proc, std::size_t outputLength) {
+    const auto* in = reinterpret_cast<const unsigned char*>(text_.data());
+    char* out = scratch_.data();
+    const std::size_t groups = outputLength / 3;
+    for (std::size_t g = 0; g < groups; ++g, in += 4, out += 3) {
+        const int top = Low(in[3]);
+        Store(proc, out[0], Low(in[0]) | ((top / 16) & 3) * 64);
+        Store(proc, out[1], Low(in[1]) | ((top / 4) & 3) * 64);
+        Store(proc, out[2], Low(in[2]) | (top & 3) * 64);
+    }
+    const std::size_t rest = outputLength % 3;
+    if (rest == 0) return;
+    const int top = Low(static_cast<unsigned char>(text_.back()));
+    Store(proc, out[0], Low(in[0]) | ((top / 16) & 3) * 64);
+    if (rest == 2) Store(proc, out[1], Low(in[1]) | ((top / 4) & 3) * 64);
 }
 
 }  // namespace orvex

@@ -2,8 +2,10 @@
 // DoXor (key stream), Stretch (to printable characters) and Shrink (back to bytes).
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace orvex {
 
@@ -29,11 +31,22 @@ class Coding {
     void Shrink();
 
   private:
-    void ShrinkInto(std::string& out);
+    void XorFromCache(std::size_t length);
+    void ShrinkGroups(class Procedure& proc, std::size_t outputLength);
 
     std::string keyString_;
     std::string text_;
     std::string scratch_;  // the other buffer of Stretch and Shrink, kept for its capacity
+
+    // Every line under one key starts from the same generator state, so the work that
+    // depends on that state alone is kept: the state Initialize reaches for a key, and the
+    // key stream from a given state. Both give exactly what recomputing would.
+    std::string initializedKey_;
+    std::uint32_t initializedState_ = 0;
+    bool initialized_ = false;
+    std::uint32_t streamStart_ = 0xFFFFFFFF;   // no 24-bit state: nothing cached yet
+    std::string streamBytes_;                  // Int(Rnd() * 256) of each step
+    std::vector<std::uint32_t> streamStates_;  // the state after each step
 };
 
 }  // namespace orvex

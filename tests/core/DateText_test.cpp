@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/memory/MemoryPlatform.h"
+#include "support/MemoryFixture.h"
 
 namespace orvex {
 namespace {
@@ -23,11 +23,7 @@ TEST(Format, OtherPatternLetters) {
     EXPECT_EQ(Format(t, "[dd]"), "[02]");
 }
 
-class GeneralDateTest : public ::testing::Test {
-  protected:
-    platform::memory::MemoryPlatform machine;
-    platform::ScopedPlatform installed{machine.view()};
-};
+using GeneralDateTest = testing::MemoryPlatformTest;
 
 TEST_F(GeneralDateTest, DateBlankLongTime) {
     EXPECT_EQ(GeneralDate(LocalTime{2026, 11, 22, 19, 14, 5}), "11/22/2026 7:14:05 PM");
@@ -39,7 +35,7 @@ TEST_F(GeneralDateTest, PureDateAndPureTime) {
 }
 
 TEST_F(GeneralDateTest, NowReadsThePlatformClock) {
-    machine.system.setNow(2024, 2, 29, 23, 59, 58);
+    system.setNow(2024, 2, 29, 23, 59, 58);
     EXPECT_EQ(Format(Now(), "mm/dd/yy hh:nn:ss"), "02/29/24 23:59:58");
 }
 

@@ -7,7 +7,7 @@
 #include "core/AppState.h"
 #include "core/Rnd.h"
 #include "definitions/Coding.h"
-#include "platform/memory/MemoryPlatform.h"
+#include "support/MemoryFixture.h"
 
 namespace orvex {
 namespace {
@@ -145,18 +145,13 @@ TEST(Cipher, DecryptDoesNotDependOnEarlierDraws) {
 }
 
 // Texts the cipher never made reach Shrink's failure branch; the handler logs and goes on.
-class CipherOnForeignText : public ::testing::Test {
+class CipherOnForeignText : public testing::MemoryPlatformTest {
   protected:
     CipherOnForeignText() {
-        App() = AppState{};
         App().DataFolder = "C:\\Data\\";
-        machine.files.addFolder("C:\\Data");
+        files.addFolder("C:\\Data");
     }
-    ~CipherOnForeignText() override { App() = AppState{}; }
-    std::string log() { return machine.files.contents("C:\\Data\\ovs.ph"); }
-
-    platform::memory::MemoryPlatform machine;
-    platform::ScopedPlatform installed{machine.view()};
+    std::string log() { return files.contents("C:\\Data\\ovs.ph"); }
 };
 
 TEST_F(CipherOnForeignText, MarkerAloneIsErr2) {

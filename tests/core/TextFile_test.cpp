@@ -1,0 +1,157 @@
+// TextFile_test.cpp: line ends, delimited fields, append-mode overwrite and the failures
+// of text files, on the memory file system.
+#include "core/TextFile.h"
+
+#include <gtest/gtest.h>
+
+#include "core/Failure.h"
+#include "support/MemoryFixture.h"
+
+namespace orvex {
+namespace {
+
+int FailureOf(auto&& call) {
+    try {
+        call();
+    } catch (const Failure& f) {
+        return f.number();
+    }
+    return 0;
+}
+
+class TextFileTest : public testing::MemoryPlatformTest {
+  protected:
+    std::vector<std::string> Lines(std::string_view bytes) {
+        files.addFile("C:\\in.txt", bytes);
+        TextFile file = TextFile::ForInput("C:\\in.txt");
+        std::vector<std::string> lines;
+        while (!file.Eof())
+            lines.push_back(file.LineInput());
+        return lines;
+    }
+    std::vector<std::string> Fields(std::string_view bytes) {
+        files.addFile("C:\\in.txt", bytes);
+        TextFile file = TextFile::ForInput("C:\\in.txt");
+        std::vector<std::string> fields;
+        while (!file.Eof())
+            fields.push_back(file.Input());
+        return fields;
+    }
+};
+
+TEST_F(TextFileTest, PrintEndsLinesWithCrLf) {
+    TextFile file = TextFile::ForOutput("C:\\out.txt");
+    file.Print("one");
+    file.Print("");
+    file.Put("two");
+    file.Close();
+    EXPECT_EQ(files.contents("C:\\out.txt"), "one\r\n\r\ntwo");
+}
+
+TEST_F(TextFileTest, LineInputEndsAtCrOrCrLfButNotLoneLf) {
+    EXPECT_EQ(Lines("a\r\nb\rc\nd\r\n\r\ne"),
+              (std::vector<std::string>{"a", "b", "c\nd", "", "e"}));
+    EXPECT_EQ(Lines("last\n"), (std::vector<std::string>{"last\n"}));
+    EXPECT_TRUE(Lines("").empty());
+}
+
+TEST_F(TextFileTest, LineInputAcrossTheReadBuffer) {
+    std::string bytes;
+    for (int i = 0; i < 30000; ++i)
+        bytes += "line " + std::to_string(i) + "\r\n";
+    bytes += std::string(70000, 'x');  // one line longer than any read chunk
+    const std::vector<std::string> lines = Lines(bytes);
+    ASSERT_EQ(lines.size(), 30001u);
+    EXPECT_EQ(lines[29999], "line 29999");
+    EXPECT_EQ(lines.back().size(), 70000u);
+}
+
+TEST_F(TextFileTest, CrLfSplitAtTheReadBufferIsOneLineEnd) {
+    std::string bytes(64 * 1024 - 1, 'a');
+    bytes += "\r\nb";
+    const std::vector<std::string> lines = Lines(bytes);
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[1], "b");
+}
+
+TEST_F(TextFileTest, InputReadsDelimitedFields) {
+    EXPECT_EQ(Fields("  a, b ,\"c, d\"\r\n\"e\"\r\nf\ng,"),
+              (std::vector<std::string>{"a", "b ", "c, d", "e", "f\ng"}));
+    EXPECT_EQ(Fields("\"open quote"), (std::vector<std::string>{"open quote"}));
+    EXPECT_EQ(Fields("\"x\"junk,y"), (std::vector<std::string>{"x", "y"}));
+}
+
+TEST_F(TextFileTest, ReadingPastTheEndIsFailure62) {
+    files.addFile("C:\\in.txt", "only\r\n");
+    TextFile file = TextFile::ForInput("C:\\in.txt");
+    EXPECT_EQ(file.LineInput(), "only");
+    EXPECT_TRUE(file.Eof());
+    EXPECT_EQ(FailureOf([&] { file.LineInput(); }), 62);
+    EXPECT_EQ(FailureOf([&] { file.Input(); }), 62);
+}
+
+TEST_F(TextFileTest, AppendCreatesAndAddsAtTheEnd) {
+    for (const char* line : {"first", "second"}) {
+        TextFile file = TextFile::ForAppend("C:\\log.txt");
+        file.Print(line);
+        file.Close();
+    }
+    EXPECT_EQ(files.contents("C:\\log.txt"), "first\r\nsecond\r\n");
+}
+
+TEST_F(TextFileTest, SeekToTheStartInAppendModeOverwritesAndKeepsTheRest) {
+    files.addFile("C:\\ovs.ph", "a long older entry\r\n");
+    TextFile file = TextFile::ForAppend("C:\\ovs.ph");
+    file.Seek(1);
+    file.Print("new");
+    file.Close();
+    EXPECT_EQ(files.contents("C:\\ovs.ph"), "new\r\ng older entry\r\n");
+}
+
+TEST_F(TextFileTest, BinaryWritesAfterReadsLandAtTheReadPosition) {
+    files.addFile("C:\\b.dat", "abc\r\ndef\r\n");
+    TextFile file = TextFile::ForBinary("C:\\b.dat");
+    EXPECT_EQ(file.LineInput(), "abc");
+    file.Put("XYZ");
+    EXPECT_EQ(file.LineInput(), "");
+    EXPECT_EQ(file.Lof(), 10u);
+    file.Close();
+    EXPECT_EQ(files.contents("C:\\b.dat"), "abc\r\nXYZ\r\n");
+}
+
+TEST_F(TextFileTest, WrongModeAndClosedFileFail) {
+    files.addFile("C:\\in.txt", "x");
+    TextFile input = TextFile::ForInput("C:\\in.txt");
+    EXPECT_EQ(FailureOf([&] { input.Print("no"); }), 54);
+    TextFile output = TextFile::ForOutput("C:\\out.txt");
+    EXPECT_EQ(FailureOf([&] { output.LineInput(); }), 54);
+    EXPECT_EQ(FailureOf([&] { output.Seek(0); }), 63);
+    output.Close();
+    output.Close();  // closing twice is harmless
+    EXPECT_EQ(FailureOf([&] { output.Print("late"); }), 52);
+}
+
+TEST_F(TextFileTest, OpenFailuresCarryTheFileSystemsNumbers) {
+    EXPECT_EQ(FailureOf([] { TextFile::ForInput("C:\\missing.txt"); }), 53);
+    EXPECT_EQ(FailureOf([] { TextFile::ForAppend("C:\\no\\such\\log.txt"); }), 76);
+    EXPECT_EQ(FailureOf([] { ReadAllBytes("C:\\missing.txt"); }), 53);
+}
+
+TEST_F(TextFileTest, ReadAllBytesKeepsEveryByte) {
+    std::string bytes;
+    for (int c = 0; c < 256; ++c)
+        bytes += static_cast<char>(c);
+    files.addFile("C:\\all.bin", bytes);
+    EXPECT_EQ(ReadAllBytes("C:\\all.bin"), bytes);
+}
+
+TEST_F(TextFileTest, DestructorWritesWhatIsPending) {
+    {
+        TextFile file = TextFile::ForOutput("C:\\out.txt");
+        file.Print("kept");
+    }
+    EXPECT_EQ(files.contents("C:\\out.txt"), "kept\r\n");
+}
+
+}  // namespace
+}  // namespace orvex
