@@ -28,6 +28,13 @@ protected:
     }
     ~StartupTest() override { ui::ResetForms(); }
 
+    // The next Main runs as a new process would: fresh state, no mutexes left behind.
+    void NewProcess() {
+        App() = AppState{};
+        ui::ResetForms();
+        system.mutexes().named.clear();
+    }
+
     std::string Value(const char* name) {
         return registry.data(Hive::LocalMachine, kKey, name).value_or("<missing>");
     }
@@ -60,9 +67,8 @@ TEST_F(StartupTest, ArgumentStringIsComparedWhole) {
     EXPECT_EQ(Main("/Q "), StartOutcome::Running);
     EXPECT_TRUE(system.closeRequests().empty());
 
-    App() = AppState{};
-    ui::ResetForms();
-    Main("/test /scan");
+    NewProcess();
+    EXPECT_EQ(Main("/test /scan"), StartOutcome::Running);
     EXPECT_FALSE(IsTrue(App().TestMode));
     EXPECT_FALSE(IsTrue(App().ScanOnStart));
 }
@@ -194,10 +200,10 @@ TEST_F(StartupTest, ScreenMeasuresPlaceTheFirstWindow) {
     EXPECT_EQ(App().WindowLeft, 1024 * 15 / 2 - 1000);
     EXPECT_EQ(App().WindowCentreY, 768 * 15 / 2);
 
-    App() = AppState{};
-    ui::ResetForms();
+    NewProcess();
     system.setDpi(120);
-    Main("");
+    EXPECT_EQ(Main(""), StartOutcome::Running);
+    EXPECT_EQ(App().WindowLeft, 1024 * 12 / 2 - 1000);
     EXPECT_EQ(App().ScreenDpi, 120);
     EXPECT_TRUE(IsTrue(App().HighDpi));
 }
