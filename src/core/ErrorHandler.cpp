@@ -54,7 +54,10 @@ bool Holds(std::string_view list, const std::string& key) {
 }
 
 std::string Key(int number) {
-    return "|" + std::to_string(number) + "|";
+    std::string key(1, '|');
+    key += std::to_string(number);
+    key += '|';
+    return key;
 }
 
 std::int16_t FromCallerLists(const std::string& key, const ErrorLists& lists) {
@@ -166,7 +169,7 @@ std::int16_t ClassifyFailure(int number, const ErrorLists& lists) {
 
 std::string ErrorLogVersionText(int major, int minor, int revision) {
     std::string rev = std::to_string(revision);
-    if (rev.size() < 2) rev.insert(0, "0");
+    if (rev.size() < 2) rev = std::string(2 - rev.size(), '0') + rev;
     return std::to_string(major) + "." + std::to_string(minor) + "." + rev;
 }
 
