@@ -1,6 +1,4 @@
 // HostPlatform.cpp: the POSIX back-end as the installed platform.
-// POSIX only: the engine's source glob reaches this folder on every platform.
-#ifndef _WIN32
 #include "platform/Platform.h"
 #include "platform/posix/PosixFiles.h"
 #include "platform/posix/PosixProcesses.h"
@@ -30,5 +28,3 @@ std::unique_ptr<OwnedPlatform> MakeHostPlatform() {
 }
 
 }  // namespace orvex::platform
-
-#endif  // _WIN32

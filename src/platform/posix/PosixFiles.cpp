@@ -1,6 +1,4 @@
 // PosixFiles.cpp: POSIX file primitives behind the engine's Windows paths.
-// POSIX only: the engine's source glob reaches this folder on every platform.
-#ifndef _WIN32
 #include "platform/posix/PosixFiles.h"
 
 #include <dirent.h>
@@ -443,5 +441,3 @@ std::uint64_t PosixFiles::freeSpace(std::string_view root) {
 }
 
 }  // namespace orvex::platform
-
-#endif  // _WIN32

@@ -1,6 +1,4 @@
 // PosixProcesses.cpp: processes on Linux through /proc and signals.
-// POSIX only: the engine's source glob reaches this folder on every platform.
-#ifndef _WIN32
 #include "platform/posix/PosixProcesses.h"
 
 #include <dirent.h>
@@ -212,5 +210,3 @@ bool PosixProcesses::start(std::string_view path, std::string_view arguments, bo
 }
 
 }  // namespace orvex::platform
-
-#endif  // _WIN32

@@ -1,6 +1,4 @@
 // PosixRegistry.cpp: the in-memory registry and its JSON file.
-// POSIX only: the engine's source glob reaches this folder on every platform.
-#ifndef _WIN32
 #include "platform/posix/PosixRegistry.h"
 
 #include <sys/stat.h>
@@ -370,5 +368,3 @@ long PosixRegistry::deleteValue(Hive hive, std::string_view path, std::string_vi
 }
 
 }  // namespace orvex::platform
-
-#endif  // _WIN32

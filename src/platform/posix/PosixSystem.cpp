@@ -1,6 +1,4 @@
 // PosixSystem.cpp: the system services on POSIX.
-// POSIX only: the engine's source glob reaches this folder on every platform.
-#ifndef _WIN32
 #include "platform/posix/PosixSystem.h"
 
 #include <pwd.h>
@@ -12,6 +10,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
+
+#include "platform/IniFile.h"
 
 namespace orvex::platform {
 namespace {
@@ -185,19 +185,15 @@ void PosixSystem::closeHandle(MutexHandle handle) {
     mutexes_.erase(handle);
 }
 
-std::string PosixSystem::readProfileString(std::string_view, std::string_view,
+std::string PosixSystem::readProfileString(std::string_view section, std::string_view key,
                                            std::string_view defaultValue, std::size_t capacity,
-                                           std::string_view) {
-    (void)files_;
-    if (capacity == 0) return {};
-    return std::string(defaultValue.substr(0, capacity - 1));
+                                           std::string_view file) {
+    return ReadProfileString(files_, section, key, defaultValue, capacity, file);
 }
 
-bool PosixSystem::writeProfileString(std::string_view, std::string_view, std::string_view,
-                                     std::string_view) {
-    return false;
+bool PosixSystem::writeProfileString(std::string_view section, std::string_view key,
+                                     std::string_view value, std::string_view file) {
+    return WriteProfileString(files_, section, key, value, file);
 }
 
 }  // namespace orvex::platform
-
-#endif  // _WIN32
