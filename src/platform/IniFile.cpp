@@ -111,7 +111,7 @@ void PutEntry(std::vector<std::string>& lines, std::string_view section, std::st
     const std::string entry = std::string(key) + "=" + std::string(value);
     const auto range = FindSection(lines, section);
     if (!range) {
-        lines.push_back("[" + std::string(section) + "]");
+        lines.push_back(std::string("[").append(section).append("]"));
         lines.push_back(entry);
         return;
     }

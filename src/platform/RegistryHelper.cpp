@@ -251,10 +251,15 @@ bool AppendTree(RegistryBackend& backend, Hive hive, const std::string& path,
     if (backend.listValues(hive, path, values) != regstatus::kOk ||
         backend.listSubKeys(hive, path, subKeys) != regstatus::kOk)
         return false;
-    text += "K\t" + Escape(relative) + "\r\n";
+    text.append("K\t").append(Escape(relative)).append("\r\n");
     for (const auto& v : values)
-        text +=
-            "V\t" + Escape(v.name) + "\t" + std::to_string(v.type) + "\t" + Escape(v.data) + "\r\n";
+        text.append("V\t")
+            .append(Escape(v.name))
+            .append("\t")
+            .append(std::to_string(v.type))
+            .append("\t")
+            .append(Escape(v.data))
+            .append("\r\n");
     for (const auto& k : subKeys)
         if (!AppendTree(backend, hive, Join(path, k.name), Join(relative, k.name), text))
             return false;

@@ -302,8 +302,8 @@ std::string Spell(std::string_view original, const std::vector<MemoryFileSystem:
                   MemoryFileSystem::Node* last, Pick pick) {
     std::string out(original.substr(0, 2));
     for (std::size_t i = 1; i < chain.size(); ++i)
-        out += "\\" + pick(*chain[i]);
-    if (!chain.empty()) out += "\\" + pick(*last);
+        out.append("\\").append(pick(*chain[i]));
+    if (!chain.empty()) out.append("\\").append(pick(*last));
     if (chain.empty() || IsSeparator(original.back())) out += "\\";
     return out;
 }

@@ -27,7 +27,10 @@ std::string MemorySystem::shortDateText(const LocalTime& t) {
 
 std::string MemorySystem::longTimeText(const LocalTime& t) {
     const int hour12 = t.hour % 12 == 0 ? 12 : t.hour % 12;
-    auto two = [](int n) { return (n < 10 ? "0" : "") + std::to_string(n); };
+    auto two = [](int n) {
+        std::string digits = n < 10 ? "0" : "";
+        return digits += std::to_string(n);
+    };
     return std::to_string(hour12) + ":" + two(t.minute) + ":" + two(t.second) +
            (t.hour < 12 ? " AM" : " PM");
 }

@@ -53,12 +53,12 @@ std::string MakeShortName(std::string_view longName,
     std::string base = Squeeze(stem.substr(0, dot));
     std::string ext = dot == std::string_view::npos ? "" : Squeeze(stem.substr(dot + 1));
     if (ext.size() > 3) ext.resize(3);
-    if (base.empty()) base = "_";
+    if (base.empty()) base.push_back('_');
     for (unsigned n = 1; n < 1000000; ++n) {
-        const std::string tail = "~" + std::to_string(n);
+        const std::string tail = std::string("~").append(std::to_string(n));
         const std::size_t keep = std::min<std::size_t>(base.size(), n < 10 ? 6 : 8 - tail.size());
         std::string candidate = base.substr(0, keep) + tail;
-        if (!ext.empty()) candidate += "." + ext;
+        if (!ext.empty()) candidate.append(".").append(ext);
         if (!taken(candidate)) return candidate;
     }
     return "";  // a folder with a million clashing names has no short name left
