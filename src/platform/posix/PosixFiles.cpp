@@ -118,7 +118,7 @@ std::optional<DirEntry> EntryOf(int folderFd, const char* name) {
     if (S_ISLNK(own.st_mode)) {
         struct stat target {};
         if (::fstatat(folderFd, name, &target, 0) != 0) {
-            entry.attributes = attr::kNormal;  // a dangling link
+            entry.attributes = AttributesOf(entry.name, own, false);  // a dangling link
             return entry;
         }
         bool linkedFolder = S_ISDIR(target.st_mode);
