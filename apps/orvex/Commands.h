@@ -12,5 +12,9 @@ inline constexpr int kExitError = 2;
 
 // Each adds its subcommand; the callback sets `exitCode`.
 void AddVersionCommand(CLI::App& app, int& exitCode);
+// orvex defs compile|dump: definition files for their authors.
+void AddDefsCommands(CLI::App& app, int& exitCode);
+// orvex log show: the deciphered scan log.
+void AddLogCommands(CLI::App& app, int& exitCode);
 
 }  // namespace orvex::cli

@@ -14,6 +14,8 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     int exitCode = kExitClean;
     AddVersionCommand(app, exitCode);
+    AddDefsCommands(app, exitCode);
+    AddLogCommands(app, exitCode);
     try {
         auto host = orvex::platform::MakeHostPlatform();
         orvex::platform::ScopedPlatform installed(host->view());
