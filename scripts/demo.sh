@@ -31,7 +31,7 @@ wine_run reg add "$key" /v DataPath /t REG_SZ /d 'C:\Program Files\Orvex Sentry\
 
 echo "== running OrvexSentry.exe (start-up)"
 (cd "$app_dir" && wine_run "C:\\Program Files\\Orvex Sentry\\OrvexSentry.exe")
-"$(dirname "$(command -v wine)")/wineserver" -w 2>/dev/null || WINEPREFIX=$prefix wineserver -w
+WINEPREFIX=$prefix wineserver -w
 
 echo "== registry values start-up wrote"
 wine_run reg query "$key" 2>/dev/null | tr -d '\r' | sed -n '/REG_/p'
