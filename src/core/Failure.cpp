@@ -49,8 +49,9 @@ std::string StandardDescription(int number) {
         {93, "Invalid pattern string"},
         {94, "Invalid use of Null"},
         {97, "Can not call friend function on object which is not an instance of defining class"},
-        {98, "A property or method call cannot include a reference to a private object, "
-             "either as an argument or as a return value"},
+        {98,
+         "A property or method call cannot include a reference to a private object, "
+         "either as an argument or as a return value"},
         {298, "System DLL could not be loaded"},
         {320, "Can't use character device names in specified file names"},
         {321, "Invalid file format"},
@@ -71,28 +72,42 @@ Failure::Failure(int number) : Failure(number, StandardDescription(number)) {}
 Failure::Failure(int number, std::string description)
     : std::runtime_error(std::move(description)), number_(number) {}
 
-void Raise(int number) { throw Failure(number); }
+void Raise(int number) {
+    throw Failure(number);
+}
 
 int FailureFromErrno(int err, bool isFolder) {
     switch (err) {
-        case ENOENT: return isFolder ? failure::kPathNotFound : failure::kFileNotFound;
-        case ENOTDIR: return failure::kPathNotFound;
+        case ENOENT:
+            return isFolder ? failure::kPathNotFound : failure::kFileNotFound;
+        case ENOTDIR:
+            return failure::kPathNotFound;
         case EACCES:
         case EPERM:
-        case EROFS: return failure::kPathFileAccess;
+        case EROFS:
+            return failure::kPathFileAccess;
         case EBUSY:
-        case ETXTBSY: return failure::kPermissionDenied;
-        case EEXIST: return failure::kFileExists;
-        case ENOSPC: return failure::kDiskFull;
+        case ETXTBSY:
+            return failure::kPermissionDenied;
+        case EEXIST:
+            return failure::kFileExists;
+        case ENOSPC:
+            return failure::kDiskFull;
         case EMFILE:
-        case ENFILE: return failure::kTooManyFiles;
-        case ENOMEM: return failure::kOutOfMemory;
-        case EIO: return failure::kDeviceIo;
+        case ENFILE:
+            return failure::kTooManyFiles;
+        case ENOMEM:
+            return failure::kOutOfMemory;
+        case EIO:
+            return failure::kDeviceIo;
         case ENAMETOOLONG:
-        case EINVAL: return failure::kBadFileName;
+        case EINVAL:
+            return failure::kBadFileName;
         case ENODEV:
-        case ENXIO: return failure::kDeviceUnavailable;
-        default: return failure::kDeviceIo;
+        case ENXIO:
+            return failure::kDeviceUnavailable;
+        default:
+            return failure::kDeviceIo;
     }
 }
 

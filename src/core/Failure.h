@@ -41,12 +41,12 @@ inline constexpr int kNotAnArray = 343;
 std::string StandardDescription(int number);
 
 class Failure : public std::runtime_error {
-public:
+  public:
     explicit Failure(int number);
     Failure(int number, std::string description);
     int number() const { return number_; }
 
-private:
+  private:
     int number_;
 };
 

@@ -34,8 +34,8 @@ bool IsQuietRequest(const std::string& commandLine) {
 // executable's path and the user, which this process tries to take for its lifetime.
 bool PreviousInstanceRunning() {
     auto& sys = platform::Sys();
-    std::string name = "OrvexSentry.Instance." + sys.executablePath() + "." +
-                       sys.userName().value_or("");
+    std::string name =
+        "OrvexSentry.Instance." + sys.executablePath() + "." + sys.userName().value_or("");
     for (char& c : name) {
         if (c == '\\' || c == ':' || c == '/') c = '_';
     }
@@ -174,7 +174,8 @@ int EnumWindowProc(const platform::TopWindow& window, long /*userValue*/) {
 }
 
 void EnumALLWindows() {
-    for (const auto& window : platform::Sys().topLevelWindows()) EnumWindowProc(window, 0);
+    for (const auto& window : platform::Sys().topLevelWindows())
+        EnumWindowProc(window, 0);
 }
 
 void ReleaseSingleInstanceMutex() {

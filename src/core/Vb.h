@@ -9,7 +9,11 @@ using VbBool = std::int16_t;
 inline constexpr VbBool VbTrue = -1;
 inline constexpr VbBool VbFalse = 0;
 
-constexpr VbBool ToVb(bool b) { return b ? VbTrue : VbFalse; }
-constexpr bool IsTrue(VbBool b) { return b != VbFalse; }
+constexpr VbBool ToVb(bool b) {
+    return b ? VbTrue : VbFalse;
+}
+constexpr bool IsTrue(VbBool b) {
+    return b != VbFalse;
+}
 
 }  // namespace orvex

@@ -47,7 +47,7 @@ enum class OpenMode {
 };
 
 class FileStream {
-public:
+  public:
     virtual ~FileStream() = default;
     // Reads up to `size` bytes at the position; returns how many were read.
     virtual std::size_t read(char* buffer, std::size_t size) = 0;
@@ -60,7 +60,7 @@ public:
 };
 
 class FileSystem {
-public:
+  public:
     virtual ~FileSystem() = default;
 
     virtual std::unique_ptr<FileStream> open(std::string_view path, OpenMode mode) = 0;

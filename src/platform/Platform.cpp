@@ -14,16 +14,28 @@ T& Require(T* part) {
 }
 }  // namespace
 
-const Platform& Current() { return installed; }
-RegistryBackend& Registry() { return Require(installed.registry); }
-FileSystem& Files() { return Require(installed.files); }
-ProcessApi& Processes() { return Require(installed.processes); }
-System& Sys() { return Require(installed.system); }
+const Platform& Current() {
+    return installed;
+}
+RegistryBackend& Registry() {
+    return Require(installed.registry);
+}
+FileSystem& Files() {
+    return Require(installed.files);
+}
+ProcessApi& Processes() {
+    return Require(installed.processes);
+}
+System& Sys() {
+    return Require(installed.system);
+}
 
 ScopedPlatform::ScopedPlatform(const Platform& platform) : previous_(installed) {
     installed = platform;
 }
 
-ScopedPlatform::~ScopedPlatform() { installed = previous_; }
+ScopedPlatform::~ScopedPlatform() {
+    installed = previous_;
+}
 
 }  // namespace orvex::platform

@@ -27,19 +27,19 @@ System& Sys();
 
 // Installs a platform for the lifetime of the guard and puts the previous one back after.
 class ScopedPlatform {
-public:
+  public:
     explicit ScopedPlatform(const Platform& platform);
     ~ScopedPlatform();
     ScopedPlatform(const ScopedPlatform&) = delete;
     ScopedPlatform& operator=(const ScopedPlatform&) = delete;
 
-private:
+  private:
     Platform previous_;
 };
 
 // A back-end that owns its parts.
 class OwnedPlatform {
-public:
+  public:
     virtual ~OwnedPlatform() = default;
     virtual Platform view() = 0;
 };

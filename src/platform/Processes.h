@@ -22,7 +22,7 @@ struct ProcessEntry {
 };
 
 class ProcessApi {
-public:
+  public:
     virtual ~ProcessApi() = default;
 
     virtual std::optional<OsVersion> osVersion() = 0;

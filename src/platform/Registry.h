@@ -53,7 +53,7 @@ struct RegSubKey {
 };
 
 class RegistryBackend {
-public:
+  public:
     virtual ~RegistryBackend() = default;
 
     virtual bool keyExists(Hive hive, std::string_view path) = 0;

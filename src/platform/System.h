@@ -29,7 +29,7 @@ struct MutexResult {
 };
 
 class System {
-public:
+  public:
     virtual ~System() = default;
 
     virtual std::uint32_t tickCount() = 0;

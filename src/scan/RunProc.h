@@ -16,7 +16,7 @@ inline constexpr std::uint8_t kNt5 = 5;
 }  // namespace oskind
 
 class clsRunProc {
-public:
+  public:
     // The family from the reported version; anything past major version 5 is unknown.
     std::uint8_t OS();
 };

@@ -5,8 +5,12 @@ namespace orvex {
 
 FrmScan::FrmScan() : Form("frmscan") {}
 
-void FrmScan::ScanItems() { Show(); }
+void FrmScan::ScanItems() {
+    Show();
+}
 
-FrmScan& frmscan() { return ui::TheForm<FrmScan>(); }
+FrmScan& frmscan() {
+    return ui::TheForm<FrmScan>();
+}
 
 }  // namespace orvex

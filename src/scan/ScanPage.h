@@ -7,7 +7,7 @@
 namespace orvex {
 
 class FrmScan : public ui::Form {
-public:
+  public:
     FrmScan();
 
     // Runs the whole scan; the scans themselves join it one by one.

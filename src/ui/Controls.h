@@ -12,7 +12,7 @@ namespace orvex::ui {
 class Form;
 
 class Control {
-public:
+  public:
     // Registers itself with its form; `index` >= 0 makes it an element of a control array.
     Control(Form& owner, std::string name, int index = -1);
     virtual ~Control() = default;
@@ -31,31 +31,31 @@ public:
     bool Enabled = true;
     int Left = 0, Top = 0, Width = 0, Height = 0;  // twips
 
-private:
+  private:
     Form& owner_;
 };
 
 class Label : public Control {
-public:
+  public:
     using Control::Control;
 };
 
 // A clickable picture; Picture selects one of its images (normal, hover, pressed, ...).
 class ImageButton : public Control {
-public:
+  public:
     using Control::Control;
     int Picture = 0;
     std::function<void()> Click;
 };
 
 class CommandButton : public Control {
-public:
+  public:
     using Control::Control;
     std::function<void()> Click;
 };
 
 class CheckBox : public Control {
-public:
+  public:
     using Control::Control;
     int Value = 0;  // 0 clear, 1 checked
 };
@@ -63,18 +63,18 @@ public:
 // A text box whose Change handler runs whenever its text is set, as the schedule
 // companion relies on when it writes into a hidden box.
 class TextBox : public Control {
-public:
+  public:
     using Control::Control;
     const std::string& Text() const { return text_; }
     void SetText(std::string text);
     std::function<void()> Change;
 
-private:
+  private:
     std::string text_;
 };
 
 class ProgressBar : public Control {
-public:
+  public:
     using Control::Control;
     int Min = 0;
     int Max = 100;
@@ -82,14 +82,14 @@ public:
 };
 
 class Timer : public Control {
-public:
+  public:
     using Control::Control;
     int Interval = 0;  // milliseconds
     std::function<void()> Tick;
 };
 
 class MenuItem : public Control {
-public:
+  public:
     using Control::Control;
     bool Checked = false;
     std::function<void()> Click;
@@ -105,7 +105,7 @@ struct ListItem {
 };
 
 class ListView : public Control {
-public:
+  public:
     using Control::Control;
     std::vector<std::string> ColumnHeaders;
     std::vector<ListItem> ListItems;
@@ -113,7 +113,7 @@ public:
 };
 
 class ListBox : public Control {
-public:
+  public:
     using Control::Control;
     std::vector<std::string> Items;
     int ListIndex = -1;

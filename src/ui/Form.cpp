@@ -30,9 +30,13 @@ std::vector<std::unique_ptr<Form>>& Unloaded() {
 
 Form::Form(std::string name) : Name(std::move(name)) {}
 
-void Form::Show(bool modal) { Host().ShowForm(*this, modal); }
+void Form::Show(bool modal) {
+    Host().ShowForm(*this, modal);
+}
 
-void Form::Hide() { Host().HideForm(*this); }
+void Form::Hide() {
+    Host().HideForm(*this);
+}
 
 Control* Form::FindControl(const std::string& name, int index) const {
     for (Control* c : controls_) {
@@ -76,7 +80,8 @@ bool Unload(Form& form) {
 
 std::vector<Form*> LoadedForms() {
     std::vector<Form*> result;
-    for (auto& entry : Loaded()) result.push_back(entry.form.get());
+    for (auto& entry : Loaded())
+        result.push_back(entry.form.get());
     return result;
 }
 

@@ -13,7 +13,7 @@
 namespace orvex::ui {
 
 class Form {
-public:
+  public:
     explicit Form(std::string name);
     virtual ~Form() = default;
     Form(const Form&) = delete;
@@ -37,7 +37,7 @@ public:
     bool Visible = false;
     int Left = 0, Top = 0, Width = 0, Height = 0;  // twips
 
-private:
+  private:
     std::vector<Control*> controls_;
 };
 

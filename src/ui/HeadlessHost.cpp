@@ -16,13 +16,21 @@ UiHost*& Installed() {
 
 }  // namespace
 
-UiHost& Host() { return *Installed(); }
+UiHost& Host() {
+    return *Installed();
+}
 
-void InstallHost(UiHost* host) { Installed() = host; }
+void InstallHost(UiHost* host) {
+    Installed() = host;
+}
 
-ScopedHost::ScopedHost(UiHost& host) : previous_(&Host()) { InstallHost(&host); }
+ScopedHost::ScopedHost(UiHost& host) : previous_(&Host()) {
+    InstallHost(&host);
+}
 
-ScopedHost::~ScopedHost() { InstallHost(previous_); }
+ScopedHost::~ScopedHost() {
+    InstallHost(previous_);
+}
 
 void HeadlessHost::DoEvents() {
     const int number = ++yields_;
@@ -52,7 +60,9 @@ void HeadlessHost::ShowForm(Form& form, bool modal) {
     }
 }
 
-void HeadlessHost::HideForm(Form& form) { form.Visible = false; }
+void HeadlessHost::HideForm(Form& form) {
+    form.Visible = false;
+}
 
 void HeadlessHost::FormUnloaded(Form&) {}
 

@@ -12,7 +12,7 @@
 namespace orvex::ui {
 
 class HeadlessHost : public UiHost {
-public:
+  public:
     struct Message {
         std::string prompt;
         int buttons = 0;
@@ -41,7 +41,7 @@ public:
     const std::vector<Message>& Messages() const { return messages_; }
     const std::vector<std::string>& Shown() const { return shown_; }
 
-private:
+  private:
     int yields_ = 0;
     int mousePointer_ = pointer::kDefault;
     int defaultAnswer_ = msgbox::kOk;
@@ -55,13 +55,13 @@ private:
 
 // Installs a host for the lifetime of the guard.
 class ScopedHost {
-public:
+  public:
     explicit ScopedHost(UiHost& host);
     ~ScopedHost();
     ScopedHost(const ScopedHost&) = delete;
     ScopedHost& operator=(const ScopedHost&) = delete;
 
-private:
+  private:
     UiHost* previous_;
 };
 

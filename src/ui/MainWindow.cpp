@@ -12,6 +12,8 @@ FrmMain::FrmMain() : Form("frmmain") {
 
 void FrmMain::actions() {}
 
-FrmMain& frmmain() { return ui::TheForm<FrmMain>(); }
+FrmMain& frmmain() {
+    return ui::TheForm<FrmMain>();
+}
 
 }  // namespace orvex

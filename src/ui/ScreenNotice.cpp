@@ -14,6 +14,8 @@ void FrmScreen::Form_Load() {
         " The latest news on accessibility is published on the Orvex Sentry web site.");
 }
 
-FrmScreen& frmScreen() { return ui::TheForm<FrmScreen>(); }
+FrmScreen& frmScreen() {
+    return ui::TheForm<FrmScreen>();
+}
 
 }  // namespace orvex

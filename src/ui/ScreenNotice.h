@@ -7,7 +7,7 @@
 namespace orvex {
 
 class FrmScreen : public ui::Form {
-public:
+  public:
     FrmScreen();
     void Form_Load() override;
 

@@ -29,7 +29,7 @@ inline constexpr int kHourglass = 11;
 }  // namespace pointer
 
 class UiHost {
-public:
+  public:
     virtual ~UiHost() = default;
     // Lets pending events run; long loops call it between items.
     virtual void DoEvents() = 0;
@@ -46,6 +46,8 @@ UiHost& Host();
 void InstallHost(UiHost* host);
 
 // Yields to the user interface.
-inline void DoEvents() { Host().DoEvents(); }
+inline void DoEvents() {
+    Host().DoEvents();
+}
 
 }  // namespace orvex::ui

@@ -18,7 +18,7 @@ constexpr const char* kKey = "Software\\Norvani\\Orvex Sentry";
 constexpr const char* kAppFolder = "C:\\Program Files\\Orvex Sentry";
 
 class StartupTest : public testing::MemoryPlatformTest {
-protected:
+  protected:
     StartupTest() : hostInstalled(host) {
         ui::ResetForms();
         system.setExecutablePath(std::string(kAppFolder) + "\\OrvexSentry.exe");
@@ -58,7 +58,8 @@ TEST_F(StartupTest, QuietSpellingsCloseOtherCopiesAndTouchNothingElse) {
         EXPECT_EQ(std::find(closed.begin(), closed.end(), unrelated), closed.end());
         EXPECT_FALSE(registry.hasKey(Hive::LocalMachine, kKey));
         EXPECT_EQ(App().SingleInstanceMutex, 0u);
-        for (auto w : {own, other, unrelated}) system.removeWindow(w);
+        for (auto w : {own, other, unrelated})
+            system.removeWindow(w);
     }
 }
 
