@@ -109,7 +109,9 @@ TEST(Cipher, RoundTripKeepsEveryByteAndTrailingBlanks) {
     std::string plain;
     for (int c = 0; c < 256; ++c)
         plain += static_cast<char>(c);
-    for (const std::string& text : {plain, std::string("value with blanks   "), std::string()})
+    const std::string longLine(10000, 'q');  // longer than any cached key stream
+    for (const std::string& text :
+         {plain, std::string("value with blanks   "), std::string(), longLine})
         EXPECT_EQ(DecryptCopy(EncryptCopy(text, "Tq3m"), "Tq3m"), text);
 }
 
@@ -142,6 +144,23 @@ TEST(Cipher, DecryptDoesNotDependOnEarlierDraws) {
     std::string text = stored;
     Decrypt(text, "Tq3m", plain);
     EXPECT_EQ(plain, "definition|record");
+}
+
+TEST(Cipher, ReusedWorkLeavesTheGeneratorAsRecomputingDoes) {
+    const std::string a = EncryptCopy("first key's line", "KeyA");
+    const std::string b = EncryptCopy("second key's longer line", "KeyB");
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(DecryptCopy(a, "KeyA"), "first key's line");
+        EXPECT_EQ(DecryptCopy(b, "KeyB"), "second key's longer line");
+    }
+    const std::uint32_t afterDecrypt = ProcessGenerator().state();
+
+    Coding fresh;  // no earlier work to reuse
+    fresh.KeyString(KeyField("KeyB"));
+    fresh.Text(b.substr(0, b.size() - 2));
+    fresh.Shrink();
+    fresh.DoXor();
+    EXPECT_EQ(ProcessGenerator().state(), afterDecrypt);
 }
 
 // Texts the cipher never made reach Shrink's failure branch; the handler logs and goes on.
