@@ -22,6 +22,7 @@ public:
     ui::ListBox List1{*this, "List1"};
     ui::ListView lvFiles{*this, "lvFiles"};
     ui::TextBox txtScheduleCmd{*this, "txtScheduleCmd"};
+    ui::MenuItem mnuRun{*this, "mnuRun"};  // File, run scan
 };
 
 FrmMain& frmmain();
