@@ -1,12 +1,12 @@
 // Version.cpp: the version text.
 #include "core/Version.h"
 
+#include "core/ErrorHandler.h"
+
 namespace orvex {
 
 std::string VersionText() {
-    std::string revision = std::to_string(kVersion.revision);
-    if (revision.size() < 2) revision.insert(0, "0");
-    return std::to_string(kVersion.major) + "." + std::to_string(kVersion.minor) + "." + revision;
+    return ErrorLogVersionText(kVersion.major, kVersion.minor, kVersion.revision);
 }
 
 }  // namespace orvex
