@@ -7,7 +7,7 @@
 namespace orvex {
 
 class FrmMain : public ui::Form {
-public:
+  public:
     FrmMain();
 
     // Loads the allowed list, the definitions and the backup list, in that order.
