@@ -1,0 +1,420 @@
+// Recorder_test.cpp: recording findings (duplicates, icons, List1, ScumCount, the count on
+// frmscan), the [Exclusion] test of file names with its size expressions, and Occurs.
+#include "scan/Recorder.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "core/AppState.h"
+#include "core/Convert.h"
+#include "core/Failure.h"
+#include "core/Text.h"
+#include "definitions/DefinitionTables.h"
+#include "scan/ScanPage.h"
+#include "support/MemoryFixture.h"
+#include "ui/Form.h"
+#include "ui/HeadlessHost.h"
+
+namespace orvex {
+namespace {
+
+class RecorderTest : public testing::MemoryPlatformTest {
+  protected:
+    RecorderTest() {
+        ui::ResetForms();
+        Definitions() = DefinitionTables{};
+        ScumListOfRun().clear();
+        List1OfRun().Clear();
+        files.addFolder("C:\\Data");
+        App().DataFolder = "C:\\Data\\";
+        LngArray()[431] = "Threats found:";
+    }
+    ~RecorderTest() override {
+        ui::ResetForms();
+        Definitions() = DefinitionTables{};
+        ScumListOfRun().clear();
+        List1OfRun().Clear();
+    }
+
+    static void ItemList(std::initializer_list<std::string> lines) {
+        for (const auto& line : lines)
+            AppendLine(Definitions().ItemListDefs, line);
+    }
+    // As the loader leaves the table: sorted, the empty element first.
+    static void Exclusions(std::initializer_list<std::string> lines) {
+        TextTable& table = Definitions().ExclusionDefs;
+        for (const auto& line : lines)
+            AppendLine(table, line);
+        std::sort(table.Items.begin(), table.Items.end());
+    }
+
+    static void Add(const std::string& name, const std::string& item = "evil.exe",
+                    const std::string& category = "FileSystem",
+                    const std::string& location = "C:\\Temp\\", const std::string& level = "") {
+        ScumListDetailsAdd(name, category, location, item, level);
+    }
+
+    static const ScumList& Rows() { return ScumListOfRun(); }
+    static std::vector<std::string> List1() { return List1OfRun().Items(); }
+    std::string ErrorLog() {
+        return files.exists("C:\\Data\\ovs.ph") ? files.contents("C:\\Data\\ovs.ph") : "";
+    }
+};
+
+// ---------------------------------------------------------------------------------------
+// Duplicates, List1 and ScumCount
+
+TEST_F(RecorderTest, SameFindingTwiceIsOneRowWhateverTheCaseOfNameAndItem) {
+    Add("Evil Agent", "evil.exe");
+    Add("EVIL AGENT", "EVIL.EXE");
+    Add("evil agent", "Evil.Exe", "FileSystem", "C:\\Temp\\", kLevelConfirmed);
+    ASSERT_EQ(Rows().count(), 1);
+    EXPECT_EQ(Rows().row(1).name, "Evil Agent");
+    EXPECT_EQ(Rows().row(1).level, "Confirmed");
+    EXPECT_EQ(App().ScumCount, 1);
+}
+
+TEST_F(RecorderTest, LevelLocationAndCategoryMustAgreeExactly) {
+    Add("Evil", "evil.exe", "FileSystem", "C:\\Temp\\");
+    Add("Evil", "evil.exe", "FileSystem", "C:\\TEMP\\");
+    Add("Evil", "evil.exe", "FileSystem", "C:\\Temp\\", kLevelSuspect);
+    Add("Evil", "evil.exe", "Memory Resident", "C:\\Temp\\");
+    EXPECT_EQ(Rows().count(), 4);
+    EXPECT_EQ(List1(), std::vector<std::string>{"Evil"});
+    EXPECT_EQ(App().ScumCount, 1);
+}
+
+TEST_F(RecorderTest, ADuplicateChangesNeitherListNorCountNorCaption) {
+    Add("Evil");
+    frmscan().lbl4.Caption = "untouched";
+    List1OfRun().RemoveItem(0);
+    App().ScumCount = 7;
+    Add("EVIL");
+    EXPECT_EQ(Rows().count(), 1);
+    EXPECT_TRUE(List1().empty());
+    EXPECT_EQ(App().ScumCount, 7);
+    EXPECT_EQ(frmscan().lbl4.Caption, "untouched");
+}
+
+TEST_F(RecorderTest, List1KeepsTheFirstSpellingInOrderOfArrival) {
+    Add("Spy Tool", "a.exe");
+    Add("Adware X", "b.exe");
+    Add("SPY TOOL", "c.exe");
+    Add("\xC9vil", "d.exe");  // E acute
+    Add("\xE9VIL", "e.exe");  // e acute: the same name
+    EXPECT_EQ(List1(), (std::vector<std::string>{"Spy Tool", "Adware X", "\xC9vil"}));
+    EXPECT_EQ(App().ScumCount, 3);
+}
+
+TEST_F(RecorderTest, AnEmptyNameGetsARowButNoList1Entry) {
+    Add("", "a.exe");
+    EXPECT_EQ(Rows().count(), 1);
+    EXPECT_TRUE(List1().empty());
+    EXPECT_EQ(App().ScumCount, 0);
+}
+
+TEST_F(RecorderTest, List1FollowsRemovalsAndEditsOnlyAtTheNextAdd) {
+    Add("Spy Tool", "a.exe");
+    Add("Adware X", "b.exe");
+    Add("SPY TOOL", "c.exe");
+    ScumListOfRun().removeRow(1);
+    // Nothing is rebuilt on removal...
+    EXPECT_EQ(List1(), (std::vector<std::string>{"Spy Tool", "Adware X"}));
+    EXPECT_EQ(App().ScumCount, 2);
+    // ...but the next add builds from the rows left: the later spelling, in the order of
+    // the rows now first.
+    Add("Other", "d.exe");
+    EXPECT_EQ(List1(), (std::vector<std::string>{"Adware X", "SPY TOOL", "Other"}));
+    // A name taken out by the review page comes back while it still has rows.
+    List1OfRun().RemoveItem(0);
+    Add("Other", "e.exe");
+    EXPECT_EQ(List1(), (std::vector<std::string>{"Adware X", "SPY TOOL", "Other"}));
+    EXPECT_EQ(App().ScumCount, 3);
+}
+
+TEST_F(RecorderTest, RowsAreNumberedFromOneAndStayConsistentAfterRemoval) {
+    Add("A", "1.exe");
+    Add("B", "2.exe");
+    Add("C", "3.exe");
+    ScumListOfRun().setChecked(3, true);
+    ScumListOfRun().removeRow(2);
+    ASSERT_EQ(Rows().count(), 2);
+    EXPECT_EQ(Rows().row(2).name, "C");
+    EXPECT_TRUE(Rows().row(2).checked);
+    EXPECT_FALSE(Rows().row(1).checked);
+    // The removed finding is new again; the others are still duplicates.
+    Add("b", "2.EXE");
+    Add("c", "3.exe");
+    EXPECT_EQ(Rows().count(), 3);
+    EXPECT_EQ(Rows().row(3).name, "b");
+    for (int bad : {0, 4, -1}) {
+        EXPECT_THROW(ScumListOfRun().removeRow(bad), Failure) << bad;
+        EXPECT_THROW(Rows().row(bad), Failure) << bad;
+    }
+    EXPECT_THROW(List1OfRun().RemoveItem(5), Failure);
+    ScumListOfRun().clear();
+    Add("A", "1.exe");
+    EXPECT_EQ(Rows().count(), 1);
+    EXPECT_EQ(List1(), std::vector<std::string>{"A"});
+}
+
+// ---------------------------------------------------------------------------------------
+// Icons
+
+TEST_F(RecorderTest, IconFollowsTheFirstItemListLineOfTheName) {
+    ItemList({"Zero|0|a", "Two|2", "Three|3|ab", "Five|5", "Blank||c", "Bare", "Twice|4", "TWICE|1",
+              "|5"});
+    const struct {
+        std::string name;
+        int icon;
+    } cases[] = {{"Unlisted", 1}, {"Zero", 1}, {"two", 1},   {"THREE", 2}, {"Five", 3},
+                 {"Blank", 1},    {"Bare", 1}, {"twice", 3}, {"", 3}};
+    for (const auto& c : cases) {
+        ScumListOfRun().clear();
+        Add(c.name);
+        ASSERT_EQ(Rows().count(), 1) << c.name;
+        EXPECT_EQ(Rows().row(1).icon, c.icon) << c.name;
+    }
+}
+
+TEST_F(RecorderTest, CookieRowsHaveNoIcon) {
+    ItemList({"Tracker|5"});
+    Add("Tracker", "tracker@site.txt", "Cookie");
+    Add("Tracker", "tracker@site.txt", "FileSystem");
+    EXPECT_EQ(Rows().row(1).icon, kNoIcon);
+    EXPECT_EQ(Rows().row(2).icon, 3);
+}
+
+TEST_F(RecorderTest, ARiskThatIsNoNumberAddsNoRow) {
+    ItemList({"Broken|high", "Good|1"});
+    Add("Good");
+    Add("Broken", "other.exe");
+    EXPECT_EQ(Rows().count(), 1);
+    EXPECT_EQ(App().ScumCount, 1);
+    EXPECT_NE(ErrorLog().find("ScumListDetailsAdd"), std::string::npos);
+}
+
+// ---------------------------------------------------------------------------------------
+// The count on frmscan
+
+TEST_F(RecorderTest, CaptionShowsTheCountUnlessAStopWasRequested) {
+    Add("A", "1.exe");
+    Add("B", "2.exe");
+    EXPECT_EQ(frmscan().lbl4.Caption, "Threats found: 2");
+    App().StopRequested = VbTrue;
+    Add("C", "3.exe");
+    EXPECT_EQ(frmscan().lbl4.Caption, "Threats found: 2");
+    EXPECT_EQ(App().ScumCount, 3);
+}
+
+// ---------------------------------------------------------------------------------------
+// ExclusionRoutine
+
+TEST_F(RecorderTest, ExclusionNameNotInTableGives4AndEmptyTestsGiveCodeOnName) {
+    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "Evil"), 4);
+    Exclusions({"evil.exe||||7|0", "short.exe|||3|0"});
+    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "Evil"), 7);
+    // Fewer than six fields: the line is not read at all.
+    EXPECT_EQ(ExclusionRoutine("short.exe", "C:\\Temp\\", "Evil"), 4);
+}
+
+TEST_F(RecorderTest, ExclusionComparesFieldZeroInLowerCaseButTheFirstCharacterAsItIs) {
+    Exclusions({"eVIL.EXE||||3|0", "Other.exe||||3|0"});
+    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "x"), 3);
+    // 'O' sorts before 'o', so the walk passes the line by its first character.
+    EXPECT_EQ(ExclusionRoutine("other.exe", "C:\\Temp\\", "x"), 4);
+}
+
+TEST_F(RecorderTest, ExclusionThreatDecidesAndAMismatchEndsTheWalk) {
+    Exclusions({"evil.exe|alpha|||3|0", "evil.exe|zulu|||2|1"});
+    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "ALPHA"), 0);
+    // The alpha line comes first and ends the walk: the zulu line is never reached.
+    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "Zulu"), 3);
+}
+
+TEST_F(RecorderTest, ExclusionFolderPartOverridesTheSizeTestAndEndsTheWalkOnMiss) {
+    Exclusions({"evil.exe||>5000|\\TEMP\\|3|0", "evil.exe||||9|1"});
+    files.addFile("C:\\Temp\\evil.exe", "tiny");
+    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "x"), 0);
+    // Not in the folder: the walk ends with the first line's code.
+    files.addFile("C:\\Other\\evil.exe", "tiny");
+    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Other\\", "x"), 3);
+}
+
+TEST_F(RecorderTest, ExclusionFailedSizeTestGoesOnToTheNextLine) {
+    Exclusions({"evil.exe||10||5|1", "evil.exe||4||6|2"});
+    files.addFile("C:\\Temp\\evil.exe", "four");
+    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "x"), 2);
+    files.addFile("C:\\Temp\\evil.exe", "seven..");
+    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "x"), 6);
+}
+
+TEST_F(RecorderTest, ExclusionStopsOnceTheFirstCharacterHasPassed) {
+    ui::HeadlessHost host;
+    ui::ScopedHost scoped(host);
+    Exclusions({"b.exe||||3|0", "c.exe||||3|0", "d.exe||||3|0"});
+    EXPECT_EQ(ExclusionRoutine("a.exe", "C:\\", "x"), 4);
+    EXPECT_EQ(host.Yields(), 2);  // the empty element, then the "b" line
+    EXPECT_EQ(ExclusionRoutine("z.exe", "C:\\", "x"), 4);
+    EXPECT_EQ(host.Yields(), 2 + 4);
+}
+
+TEST_F(RecorderTest, ExclusionResolvesShortNames) {
+    // The size test proves that the long names still make a path to the file.
+    Exclusions({"evil agent.exe||1||3|0"});
+    files.addFile("C:\\Program Files\\Evil Agent.exe", "x");
+    EXPECT_EQ(ExclusionRoutine("evilag~1.exe", "C:\\PROGRA~1\\", "x"), 0);
+    // A folder that cannot be resolved keeps its text.
+    Exclusions({"a.exe|||nosuch~1|3|0"});
+    EXPECT_EQ(ExclusionRoutine("a.exe", "C:\\NOSUCH~1\\", "x"), 0);
+}
+
+TEST_F(RecorderTest, ExclusionSizeFromTheFileLength) {
+    files.addFile("C:\\Temp\\evil.exe", std::string(1000, 'x'));
+    const struct {
+        std::string test;
+        std::string file;
+        std::int32_t code;
+    } cases[] = {
+        {">1000", "evil.exe", 0},  // ">" is never strict
+        {"<1000", "evil.exe", 0},  // "<" at the end includes the number
+        {"1000", "evil.exe", 0},
+        {"999", "evil.exe", 3},
+        {">1000*5", "evil.exe", 0},       // a prefixed hit survives only if equal
+        {"<5000*7", "evil.exe", 3},       // hit on "<5000", undone by the final 5000 == 1000
+        {"123*1000*789", "evil.exe", 0},  // plain lists work
+        {"123*456*789", "evil.exe", 3},
+        {"<10", "gone.exe", 0},  // a missing file has size 0
+        {"0", "gone.exe", 0},
+    };
+    for (const auto& c : cases) {
+        Definitions() = DefinitionTables{};
+        Exclusions({c.file + "||" + c.test + "||3|0"});
+        EXPECT_EQ(ExclusionRoutine(c.file, "C:\\Temp\\", "x"), c.code) << c.test;
+    }
+}
+
+TEST_F(RecorderTest, ExclusionMissOnAPrefixedPieceBreaksTheNextPiece) {
+    files.addFile("C:\\Temp\\evil.exe", std::string(1000, 'x'));
+    // "<" in a list is strict, so 1000 misses; the rest is then cut as "*5" and its empty
+    // first piece fails to convert: the routine ends with the code on name.
+    Exclusions({"evil.exe||<1000*5||3|0"});
+    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "x"), 3);
+    EXPECT_NE(ErrorLog().find("ExclusionRoutine"), std::string::npos);
+    EXPECT_NE(ErrorLog().find("Type mismatch"), std::string::npos);
+    files.addFile("C:\\Temp\\evil.exe", std::string(5, 'x'));
+    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "x"), 3);
+}
+
+TEST_F(RecorderTest, ExclusionConversionFailureKeepsTheResultSoFar) {
+    Exclusions({"a.exe||||bad|0", "b.exe||||3|bad"});
+    EXPECT_EQ(ExclusionRoutine("a.exe", "C:\\", "x"), 4);
+    Definitions() = DefinitionTables{};
+    Exclusions({"b.exe||0|||bad", "b.exe||||3|bad"});
+    EXPECT_EQ(ExclusionRoutine("b.exe", "C:\\", "x"), 4);
+    Definitions() = DefinitionTables{};
+    Exclusions({"b.exe|x|||3|bad"});
+    EXPECT_EQ(ExclusionRoutine("b.exe", "C:\\", "x"), 3);
+}
+
+TEST(Occurs, CountsPieces) {
+    EXPECT_EQ(Occurs("", "|"), 0);
+    EXPECT_EQ(Occurs("abc", "|"), 1);
+    EXPECT_EQ(Occurs("a|b|", "|"), 3);
+    EXPECT_EQ(Occurs("|||||", "|"), 6);
+    EXPECT_EQ(Occurs("a||b|||c", "||"), 3);
+    EXPECT_EQ(Occurs("abc", ""), 1);
+}
+
+// ---------------------------------------------------------------------------------------
+// The indexed recorder against the plain walks it replaces.
+
+struct ReferenceRecorder {
+    std::vector<ScumRow> rows;
+    std::vector<std::string> list1;
+    std::int32_t scumCount = 0;
+
+    void Add(const std::string& name, const std::string& category, const std::string& location,
+             const std::string& item, std::string level) {
+        if (level.empty()) level = "Confirmed";
+        bool duplicate = false;
+        for (const ScumRow& r : rows) {
+            if (r.level == level && r.location == location && LCase(r.item) == LCase(item) &&
+                r.category == category && LCase(r.name) == LCase(name))
+                duplicate = true;
+        }
+        if (duplicate) return;
+        int severity = 1;
+        for (const std::string& line : Definitions().ItemListDefs.Items) {
+            const auto fields = Split(line, "|", -1, Compare::Text);
+            if (fields.empty() || LCase(fields[0]) != LCase(name)) continue;
+            severity = fields.size() < 2 || fields[1].empty() ? 1 : CInt(fields[1]);
+            break;
+        }
+        const int icon = severity < 3 ? 1 : severity == 3 ? 2 : 3;
+        rows.push_back(
+            {name, category, level, location, item, category == "Cookie" ? kNoIcon : icon, false});
+        list1.clear();
+        for (const ScumRow& r : rows) {
+            bool found = false;
+            for (std::size_t i = 0; i <= list1.size(); ++i) {
+                const std::string entry = i < list1.size() ? list1[i] : "";
+                if (LCase(entry) == LCase(r.name)) found = true;
+            }
+            if (!found) list1.push_back(r.name);
+        }
+        scumCount = static_cast<std::int32_t>(list1.size());
+    }
+};
+
+TEST_F(RecorderTest, IndexedRecorderEqualsThePlainWalksOverRandomAddsAndRemovals) {
+    ItemList({"spy|3", "SPY|5", "Adware|4", "\xC9vil|0"});
+    const std::vector<std::string> names = {"Spy",     "SPY",     "spy", "Adware", "adWARE",
+                                            "\xC9vil", "\xE9VIL", "",    "Other"};
+    const std::vector<std::string> categories = {"FileSystem", "Registry(Key)", "Cookie"};
+    const std::vector<std::string> locations = {"C:\\Temp\\", "C:\\TEMP\\", "HKEY_USERS\\x"};
+    const std::vector<std::string> items = {"a.exe", "A.EXE", "b.dll", ""};
+    const std::vector<std::string> levels = {"", "Confirmed", "Suspect"};
+
+    std::mt19937 random(20261122);
+    auto pick = [&](const std::vector<std::string>& from) {
+        return from[std::uniform_int_distribution<std::size_t>(0, from.size() - 1)(random)];
+    };
+    ReferenceRecorder reference;
+    for (int step = 0; step < 4000; ++step) {
+        const int action = std::uniform_int_distribution<int>(0, 9)(random);
+        const int rowCount = ScumListOfRun().count();
+        if (action < 6 || rowCount == 0) {
+            const std::string name = pick(names), category = pick(categories),
+                              location = pick(locations), item = pick(items), level = pick(levels);
+            reference.Add(name, category, location, item, level);
+            ScumListDetailsAdd(name, category, location, item, level);
+        } else if (action < 9) {
+            const int index = std::uniform_int_distribution<int>(1, rowCount)(random);
+            reference.rows.erase(reference.rows.begin() + (index - 1));
+            ScumListOfRun().removeRow(index);
+        } else if (!reference.list1.empty()) {
+            const int index = std::uniform_int_distribution<int>(
+                0, static_cast<int>(reference.list1.size()) - 1)(random);
+            reference.list1.erase(reference.list1.begin() + index);
+            List1OfRun().RemoveItem(index);
+        }
+        ASSERT_EQ(ScumListOfRun().count(), static_cast<std::int32_t>(reference.rows.size()));
+        for (std::int32_t i = 1; i <= ScumListOfRun().count(); ++i) {
+            const ScumRow& got = ScumListOfRun().row(i);
+            const ScumRow& want = reference.rows[static_cast<std::size_t>(i - 1)];
+            ASSERT_EQ(std::tie(got.name, got.category, got.level, got.location, got.item),
+                      std::tie(want.name, want.category, want.level, want.location, want.item))
+                << "step " << step << " row " << i;
+            ASSERT_EQ(got.icon, want.icon) << "step " << step << " row " << i;
+        }
+        ASSERT_EQ(List1(), reference.list1) << "step " << step;
+        ASSERT_EQ(App().ScumCount, reference.scumCount) << "step " << step;
+    }
+}
+
+}  // namespace
+}  // namespace orvex
