@@ -1,0 +1,426 @@
+// DefinitionLoader_test.cpp: the definition files through LoadReferenceFiles on the memory
+// back-end: sections, versions, sorting and indexes, what the main window shows, and
+// damaged files.
+#include "definitions/DefinitionLoader.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <random>
+
+#include "core/AppState.h"
+#include "core/Config.h"
+#include "core/Version.h"
+#include "definitions/Cipher.h"
+#include "definitions/DefinitionCompiler.h"
+#include "definitions/DefinitionTables.h"
+#include "support/MemoryFixture.h"
+#include "ui/HeadlessHost.h"
+#include "ui/MainWindow.h"
+
+namespace orvex {
+namespace {
+
+using platform::Hive;
+using Lines = std::vector<std::string>;
+
+const std::string kData = "C:\\Orvex\\";
+const std::string kDefs = kData + "ovsdef.dat";
+const std::string kStatic = kData + "ovsstatic.dat";
+
+std::string Record(std::string_view bytes) {
+    const auto n = static_cast<std::uint32_t>(bytes.size());
+    std::string out{static_cast<char>(n & 0xFF), static_cast<char>(n >> 8 & 0xFF),
+                    static_cast<char>(n >> 16 & 0xFF), static_cast<char>(n >> 24 & 0xFF)};
+    return out + std::string(bytes);
+}
+
+std::string ReadSourceFile(const std::string& relative) {
+    std::ifstream in(std::string(ORVEX_SOURCE_DIR) + "/" + relative, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// The lines of a text table, without the empty element the array shape carries.
+Lines Filled(const TextTable& table) {
+    Lines out;
+    for (const std::string& line : table.Items)
+        if (!line.empty()) out.push_back(line);
+    return out;
+}
+
+class DefinitionLoaderTest : public testing::MemoryPlatformTest {
+  protected:
+    DefinitionLoaderTest() {
+        ui::ResetForms();
+        Definitions() = DefinitionTables{};
+        App().DataFolder = kData;
+        App().SystemFolder = "C:\\WINDOWS\\system32";
+        App().WindowsFolder = "C:\\WINDOWS";
+        LngArray()[175] = "Definitions are missing";
+        LngArray()[176] = "Definitions of";
+        LngArray()[177] = "No definitions loaded";
+        files.addFolder("C:\\Orvex");
+        registry.addKey(Hive::LocalMachine, config::kProductKey);
+        // The load starts with the buttons off, as actions leaves them.
+        FrmMain& form = frmmain();
+        form.Image2.Enabled = false;
+        form.Image2.Picture = 14;
+        form.Image3.Enabled = false;
+        form.Image3.Picture = 7;
+        form.Image4.Enabled = false;
+        form.mnuRun.Enabled = false;
+        ui::ListItem stale;
+        stale.Text = "stale";
+        form.lvFiles.ListItems.push_back(stale);
+    }
+    ~DefinitionLoaderTest() override {
+        ui::ResetForms();
+        Definitions() = DefinitionTables{};
+    }
+
+    void Defs(std::string_view source) { files.addFile(kDefs, CompileDefinitionSource(source)); }
+    void Static(std::string_view source) {
+        files.addFile(kStatic, CompileDefinitionSource(source));
+    }
+    std::string Value(const char* name) {
+        return registry.data(Hive::LocalMachine, config::kProductKey, name).value_or("<none>");
+    }
+    std::string ErrorLog() {
+        return files.exists(kData + "ovs.ph") ? files.contents(kData + "ovs.ph") : "";
+    }
+
+    DefinitionTables& t = Definitions();
+    ui::HeadlessHost host;
+    ui::ScopedHost scopedHost{host};
+};
+
+const char* kTwoFiles = "[Files]\nBeta|Beta.EXE\nAlpha|alpha.dll\n[End]\n";
+
+// --- Presence of the files and what the main window shows ---------------------------------
+
+TEST_F(DefinitionLoaderTest, BothFilesMissingWarnsAndLeavesOnlyUpdateAndExit) {
+    LoadReferenceFiles();
+    ASSERT_EQ(host.Messages().size(), 1u);
+    EXPECT_EQ(host.Messages()[0].prompt, "Definitions are missing");
+    FrmMain& form = frmmain();
+    EXPECT_EQ(form.lbl1.Caption, "No definitions loaded");
+    EXPECT_FALSE(form.Image2.Enabled);
+    EXPECT_FALSE(form.mnuRun.Enabled);
+    EXPECT_TRUE(form.Image3.Enabled);
+    EXPECT_EQ(form.Image3.Picture, 6);
+    EXPECT_TRUE(form.Image4.Enabled);
+    EXPECT_TRUE(form.lvFiles.ListItems.empty());
+    EXPECT_EQ(form.lbldef.Caption, "Definition File date: ");
+    EXPECT_EQ(Value("DAT"), "");
+    EXPECT_EQ(Value("StaticDAT"), "");
+    EXPECT_EQ(Value("InstalledVer"), VersionText() + "||");
+}
+
+TEST_F(DefinitionLoaderTest, MissingStaticFileIsNoErrorAndTheScanComesOn) {
+    Defs(std::string("Ver=11/15/2026\n") + kTwoFiles);
+    LoadReferenceFiles();
+    EXPECT_TRUE(host.Messages().empty());
+    EXPECT_EQ(Value("StaticDAT"), "");
+    EXPECT_EQ(Value("DAT"), "11/15/2026");
+    EXPECT_EQ(Value("InstalledVer"), VersionText() + "|11/15/2026|");
+    FrmMain& form = frmmain();
+    EXPECT_EQ(form.lbl1.Caption, "Definitions of 11/15/2026");
+    EXPECT_EQ(form.lbldef.Caption, "Definition File date: 11/15/2026");
+    EXPECT_TRUE(form.Image2.Enabled);
+    EXPECT_EQ(form.Image2.Picture, 1);
+    EXPECT_TRUE(form.Image3.Enabled);
+    EXPECT_EQ(form.Image3.Picture, 4);
+    EXPECT_TRUE(form.Image4.Enabled);
+    EXPECT_TRUE(form.mnuRun.Enabled);
+}
+
+TEST_F(DefinitionLoaderTest, EmptyDefinitionFileCountsAsPresent) {
+    files.addFile(kDefs, "");
+    LoadReferenceFiles();
+    EXPECT_TRUE(host.Messages().empty());
+    EXPECT_EQ(App().DefinitionDate, "");
+    EXPECT_EQ(frmmain().lbl1.Caption, "No definitions loaded");
+    EXPECT_TRUE(frmmain().mnuRun.Enabled);
+    EXPECT_EQ(frmmain().Image3.Picture, 4);
+    EXPECT_FALSE(frmmain().Image2.Enabled);
+    for (TextTable* table : t.TextTables())
+        EXPECT_EQ(table->Count, 0);
+}
+
+TEST_F(DefinitionLoaderTest, OneFilesLineLoadsEverythingUnsortedWithTheScanOff) {
+    Defs(
+        "Ver=1 May\n[Files]\nSolo|Solo.exe\n[End]\n[Exclusion]\nz.exe||||0|0\na.exe||||0|0\n[End]\n"
+        "[MD5]\nffff|Late\n0000|Early\n[End]\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(t.FileDefs.Items, (Lines{"Solo|Solo.exe", ""}));
+    EXPECT_EQ(t.ExclusionDefs.Items, (Lines{"z.exe||||0|0", "a.exe||||0|0", ""}));
+    EXPECT_TRUE(t.Md5Index.Items.empty());
+    EXPECT_EQ(t.Md5Defs.Count, 0);
+    EXPECT_FALSE(frmmain().Image2.Enabled);
+    EXPECT_EQ(frmmain().lbl1.Caption, "Definitions of 1 May");
+}
+
+// --- Sections --------------------------------------------------------------------------
+
+TEST_F(DefinitionLoaderTest, EachSectionFillsItsTableInFileOrder) {
+    Static(
+        "Ver=1.0.3\n[Descriptions]\nA|Adware\n[End]\n[Registry]\nFirst|HKEY_USERS|Key\n[End]\n"
+        "[DoNotUnRegister]\nstatic|0\n[End]\n");
+    Defs(
+        "[Add\\Remove]\nT1|Uninstall One\n[End]\n[Startup]\nT2|run.exe\n[End]\n"
+        "[CLSID]\nT3|{0000}\n[End]\n[ItemList]\nT4|3|AB\nT5\n[End]\n"
+        "[Registry]\nT6|HKEY_CURRENT_USER|Software\\T6|value "
+        "text\nT7|HKEY_LOCAL_MACHINE|Software\\T7\n"
+        "[End]\n[DoNotUnRegister]\nabc|0\nno separator\n[End]\n[Descriptions]\nB|Cookies\n[End]\n"
+        "[Unknown]\nignored|line\n[End]\noutside|any section\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(t.AddRemoveDefs.Items, (Lines{"T1|Uninstall One", ""}));
+    EXPECT_EQ(t.StartupDefs.Items, (Lines{"T2|run.exe", ""}));
+    EXPECT_EQ(t.ClsidDefs.Items, (Lines{"T3|{0000}", ""}));
+    EXPECT_EQ(t.ItemListDefs.Items, (Lines{"T4|3|AB", "T5", ""}));
+    EXPECT_EQ(t.ItemListDefs.Count, 2);
+    // The static file's lines come first; a four-column line keeps its value text.
+    EXPECT_EQ(t.RegistryDefs.Items,
+              (Lines{"First|HKEY_USERS|Key", "T6|HKEY_CURRENT_USER|Software\\T6|value text",
+                     "T7|HKEY_LOCAL_MACHINE|Software\\T7", ""}));
+    EXPECT_EQ(t.DescriptionDefs.Items, (Lines{"A|Adware", "B|Cookies", ""}));
+    // The static file does not know [DoNotUnRegister]; lines without "|" are not kept.
+    EXPECT_EQ(t.DoNotUnRegisterDefs.Items, (Lines{"abc|0", ""}));
+}
+
+TEST_F(DefinitionLoaderTest, MissingEndLeavesTwoSectionsOnAndTheEarlierOneTakesTheLines) {
+    Defs(
+        "[Files]\nF1|f1.exe\n[CLSID]\nF2|f2.exe\n[End]\n"
+        "[Registry]\n[Startup]\nS1|s1.exe\n[End]\nafter|end\n"
+        "[DoNotUnRegister]\n[ItemList]\nd41d|0\n[End]\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(Filled(t.FileDefs), (Lines{"f1.exe|F1", "f2.exe|F2"}));
+    EXPECT_EQ(t.ClsidDefs.Count, 0);
+    EXPECT_EQ(t.StartupDefs.Items, (Lines{"S1|s1.exe", ""}));
+    EXPECT_EQ(t.RegistryDefs.Count, 0);
+    // [DoNotUnRegister] files a line apart, so it lands in the open section as well.
+    EXPECT_EQ(t.DoNotUnRegisterDefs.Items, (Lines{"d41d|0", ""}));
+    EXPECT_EQ(t.ItemListDefs.Items, (Lines{"d41d|0", ""}));
+}
+
+TEST_F(DefinitionLoaderTest, Md5LinesNeedASeparatorAndFilesLinesWithoutOneStay) {
+    Defs("[MD5]\nno separator\nbbbb|B\n[End]\n[Files]\nA|a.exe\nNoSeparator\nB|b.exe\n[End]\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(t.Md5Index.Count, 1);
+    EXPECT_EQ(Filled(t.FileDefs), (Lines{"NoSeparator", "a.exe|A", "b.exe|B"}));
+    EXPECT_EQ(t.FileDefs.Count, 3);
+    EXPECT_EQ(t.FileIndex[2].FileName, "a.exe");
+    EXPECT_EQ(t.FileIndex[3].FileName, "b.exe");
+    // The column swap of the line without "|" fails as a subscript and goes on.
+    EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
+}
+
+TEST_F(DefinitionLoaderTest, ExclusionPlaceholdersAreReplacedWithoutRegardToCase) {
+    Defs(
+        "[Exclusion]\nk.exe|||SystemDir|3|1\nd.exe|||WINDOWSDIR\\x|3|1\n[End]\n"
+        "[Startup]\nT|systemdir\n[End]\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(Filled(t.ExclusionDefs),
+              (Lines{"k.exe|||C:\\WINDOWS\\system32|3|1", "d.exe|||C:\\WINDOWS\\x|3|1"}));
+    EXPECT_EQ(t.StartupDefs[0], "T|systemdir");
+}
+
+// --- Sorting and the indexes ---------------------------------------------------------------
+
+TEST_F(DefinitionLoaderTest, FilesAndHashesAreSortedAndIndexed) {
+    Static("[Exclusion]\nzeta.exe||||0|0\nalpha.exe||||0|0\n[End]\n");
+    Defs(
+        "[MD5]\nc3|Gamma\n0a|Alpha\nb2|Beta\n[End]\n"
+        "[Files]\nThreatZ|Zed.EXE\nThreatA|apple.dll\nThreatM|MID.sys\n[End]\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(t.FileDefs.Items,
+              (Lines{"", "apple.dll|ThreatA", "mid.sys|ThreatM", "zed.exe|ThreatZ"}));
+    ASSERT_EQ(t.FileIndex.size(), t.FileDefs.size());
+    EXPECT_EQ(t.FileIndex[0].FileName, "");
+    EXPECT_EQ(t.FileIndex[1].Name, "ThreatA");
+    EXPECT_EQ(t.FileIndex[2].FileName, "mid.sys");
+    EXPECT_EQ(t.FileIndex[3].Name, "ThreatZ");
+    EXPECT_EQ(t.ExclusionDefs.Items, (Lines{"", "alpha.exe||||0|0", "zeta.exe||||0|0"}));
+
+    ASSERT_EQ(t.Md5Index.size(), 4u);
+    EXPECT_EQ(t.Md5Index.Count, 3);
+    EXPECT_EQ(t.Md5Index[0].FirstChar, 0);
+    EXPECT_EQ(t.Md5Index[1].Hash, "0a");
+    EXPECT_EQ(t.Md5Index[1].Name, "Alpha");
+    EXPECT_EQ(t.Md5Index[1].FirstChar, '0');
+    EXPECT_EQ(t.Md5Index[3].Hash, "c3");
+    EXPECT_EQ(t.Md5Index[3].FirstChar, 'c');
+    // The raw hash lines go once the index is built.
+    EXPECT_EQ(t.Md5Defs.Items, (Lines{""}));
+    EXPECT_EQ(t.Md5Defs.Count, 0);
+}
+
+TEST_F(DefinitionLoaderTest, ReloadReplacesTablesAndRewritesTheFileIndex) {
+    Defs("[Files]\nA|a.exe\nB|b.exe\nC|c.exe\nD|d.exe\n[End]\n[Startup]\nS|s\n[End]\n");
+    LoadReferenceFiles();
+    Defs("[Files]\nX|x.exe\nY|y.exe\n[End]\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(Filled(t.FileDefs), (Lines{"x.exe|X", "y.exe|Y"}));
+    ASSERT_EQ(t.FileIndex.size(), 3u);
+    EXPECT_EQ(t.FileIndex[1].Name, "X");
+    EXPECT_EQ(t.FileIndex[2].Name, "Y");
+    EXPECT_EQ(t.StartupDefs.Count, 0);
+}
+
+TEST(QuickSortMe, SortsTheRangeAndLeavesTheRestAlone) {
+    std::mt19937 random(7);
+    Lines lines;
+    for (int i = 0; i < 5000; ++i)
+        lines.push_back(std::to_string(random() % 700));
+    Lines expected = lines;
+    std::sort(expected.begin() + 100, expected.begin() + 4001);
+    QuickSortMe(lines, 100, 4000);
+    EXPECT_EQ(lines, expected);
+    QuickSortMe(lines, -1, -1);
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(lines, expected);
+}
+
+TEST(QuickSortMe, DeepInputsDoNotExhaustTheStack) {
+    Lines same(200000, "same");
+    QuickSortMe(same, -1, -1);
+    Lines descending;
+    for (int i = 200000; i > 0; --i)
+        descending.push_back(std::to_string(1000000 + i));
+    QuickSortMe(descending, -1, -1);
+    EXPECT_TRUE(std::is_sorted(descending.begin(), descending.end()));
+    Lines empty;
+    QuickSortMe(empty, -1, -1);
+    EXPECT_TRUE(empty.empty());
+}
+
+// --- Versions --------------------------------------------------------------------------
+
+TEST_F(DefinitionLoaderTest, LastDefinitionVersionAndFirstStaticVersionWin) {
+    Static("Ver=static one\nVer=static two\n");
+    Defs("Ver=first\n[Startup]\nVersion|v.exe\n[End]\nVer=last=ignored\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(App().StaticDefinitionVer, "static one");
+    EXPECT_EQ(App().DefinitionDate, "last");
+    EXPECT_EQ(Value("InstalledVer"), VersionText() + "|last|static one");
+}
+
+TEST_F(DefinitionLoaderTest, DataLineStartingWithVerIsFiledAndSetsTheVersion) {
+    Defs("Ver=date\n[Startup]\nVer|=dummy.exe\n[End]\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(t.StartupDefs[0], "Ver|=dummy.exe");
+    EXPECT_EQ(App().DefinitionDate, "dummy.exe");
+}
+
+TEST_F(DefinitionLoaderTest, VerLineWithoutEqualsIsLoggedAndTheLoadGoesOn) {
+    Defs("Ver=kept\n[Startup]\nVerminator|v.exe\n[End]\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(App().DefinitionDate, "kept");
+    EXPECT_EQ(t.StartupDefs[0], "Verminator|v.exe");
+    const std::string log = ErrorLog();
+    EXPECT_NE(log.find("Error [ 9 ]"), std::string::npos);
+    EXPECT_NE(log.find("Procedure ( LoadReferenceFiles ) - Module ( Module1 )"), std::string::npos);
+    EXPECT_NE(log.find("Outcome: Resume Next"), std::string::npos);
+}
+
+TEST_F(DefinitionLoaderTest, ReloadKeepsTheFirstStaticVersion) {
+    Static("Ver=old static\n");
+    Defs("Ver=old date\n");
+    LoadReferenceFiles();
+    Static("Ver=new static\n");
+    Defs("Ver=new date\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(App().StaticDefinitionVer, "old static");
+    EXPECT_EQ(App().DefinitionDate, "new date");
+    EXPECT_EQ(Value("StaticDAT"), "old static");
+}
+
+// --- Damaged files -----------------------------------------------------------------------
+
+TEST_F(DefinitionLoaderTest, UndecipherableRecordsAreDataInTheOpenSection) {
+    std::string otherKey = "Under another key";
+    std::string bytes = CompileDefinitionSource("[Startup]");
+    bytes += Record(Encrypt(otherKey, "Other"));
+    bytes += Record("no marker");
+    bytes += CompileDefinitionSource("[End]");
+    bytes += Record(Encrypt(otherKey, "Other")) + Record("outside");
+    files.addFile(kDefs, bytes);
+    LoadReferenceFiles();
+    EXPECT_EQ(t.StartupDefs.Items, (Lines{"ERR2", "ERR1", ""}));
+    for (TextTable* table : t.TextTables()) {
+        if (table != &t.StartupDefs) {
+            EXPECT_EQ(table->Count, 0);
+        }
+    }
+}
+
+TEST_F(DefinitionLoaderTest, AnIncompleteRecordEndsTheFile) {
+    const std::string good = CompileDefinitionSource("[Startup]\nS1|one\nS2|two");
+    const std::string tails[] = {
+        good.substr(0, good.size() - 1),        // last record cut short
+        good + std::string("\x02\x00\x00", 3),  // prefix cut short
+        good + "\xff\xff\xff\x7f" + "abc",      // huge length
+        good + std::string("\xff\xff\xff\xff", 4) + CompileDefinitionSource("S3|three"),
+        good + std::string(4, '\0') + CompileDefinitionSource("S3|three"),  // n = 0 is skipped
+    };
+    const Lines expected[] = {{"S1|one", ""},
+                              {"S1|one", "S2|two", ""},
+                              {"S1|one", "S2|two", ""},
+                              {"S1|one", "S2|two", ""},
+                              {"S1|one", "S2|two", "S3|three", ""}};
+    for (std::size_t i = 0; i < std::size(tails); ++i) {
+        files.addFile(kDefs, tails[i]);
+        LoadReferenceFiles();
+        EXPECT_EQ(t.StartupDefs.Items, expected[i]) << "case " << i;
+    }
+}
+
+TEST(GetString, ReadsRecordsAndStopsAtOneThatDoesNotFit) {
+    DefinitionFile file{Record("abc") + Record("") + std::string("\x09\x00\x00\x00xy", 6), 0};
+    EXPECT_EQ(GetString(file, true), "abc");
+    EXPECT_EQ(GetString(file, false), "");
+    EXPECT_FALSE(file.AtEnd());
+    EXPECT_EQ(GetString(file, true), "");
+    EXPECT_TRUE(file.AtEnd());
+}
+
+// --- Files made elsewhere ---------------------------------------------------------------------
+
+// Made by tests/data/make_defs_compat.py from the format and the classic generator alone.
+TEST_F(DefinitionLoaderTest, ReadsAFileEncipheredIndependently) {
+    const std::string bytes = ReadSourceFile("tests/data/defs_compat.dat");
+    ASSERT_FALSE(bytes.empty());
+    files.addFile(kDefs, bytes);
+    LoadReferenceFiles();
+    EXPECT_EQ(App().DefinitionDate, "2026.11.01");
+    EXPECT_EQ(t.FileDefs.Items, (Lines{"", "alpha.dll|Compat.Alpha", "beta.exe|Compat.Beta"}));
+    ASSERT_EQ(t.Md5Index.Count, 1);
+    EXPECT_EQ(t.Md5Index[1].Hash, "0f343b0931126a20f133d67c2b018a3b");
+    EXPECT_EQ(t.Md5Index[1].Name, "Compat.Md5");
+    EXPECT_EQ(t.RegistryDefs.Items, (Lines{"ERR2", "ERR1", ""}));
+    EXPECT_TRUE(frmmain().Image2.Enabled);
+}
+
+TEST_F(DefinitionLoaderTest, SampleDefinitionsFillEveryTable) {
+    files.addFile(kStatic, CompileDefinitionSource(ReadSourceFile("definitions/ovsstatic.txt")));
+    files.addFile(kDefs, CompileDefinitionSource(ReadSourceFile("definitions/ovsdef.txt")));
+    LoadReferenceFiles();
+    for (TextTable* table : t.TextTables()) {
+        if (table != &t.Md5Defs) {
+            EXPECT_GT(table->Count, 0);
+        }
+    }
+    EXPECT_EQ(t.DescriptionDefs.Count, 18);
+    EXPECT_GT(t.Md5Index.Count, 0);
+    EXPECT_FALSE(App().DefinitionDate.empty());
+    EXPECT_FALSE(App().StaticDefinitionVer.empty());
+    EXPECT_TRUE(frmmain().Image2.Enabled);
+    EXPECT_EQ(ErrorLog(), "");
+    // Long loads keep the window alive.
+    EXPECT_GT(host.Yields(), t.FileDefs.Count + t.Md5Index.Count);
+}
+
+}  // namespace
+}  // namespace orvex
