@@ -12,6 +12,7 @@
 #include "core/TextFile.h"
 #include "platform/FileHelper.h"
 #include "platform/Platform.h"
+#include "scan/Recorder.h"
 
 namespace orvex {
 namespace {
@@ -19,13 +20,8 @@ namespace {
 constexpr const char* kModule = "Module1";
 constexpr const char* kSeparator = "*";
 constexpr const char* kEmptyField = "^";
-constexpr std::size_t kLeastFields = 5;
+constexpr std::int32_t kLeastFields = 5;
 constexpr std::size_t kStemLength = 8;
-
-// The number of pieces a separator cuts the text into.
-std::size_t Occurs(std::string_view text, std::string_view separator) {
-    return Split(text, separator, -1, Compare::Binary).size();
-}
 
 std::string OrCaret(const std::string& field) {
     return field.empty() ? kEmptyField : field;

@@ -11,18 +11,14 @@
 #include "core/TextFile.h"
 #include "platform/FileHelper.h"
 #include "review/ExcludePage.h"
+#include "scan/Recorder.h"
 
 namespace orvex {
 namespace {
 
 constexpr const char* kModule = "Module1";
 constexpr const char* kSeparator = "^";
-constexpr std::size_t kFieldCount = 4;
-
-// The number of pieces a separator cuts the text into.
-std::size_t Occurs(std::string_view text, std::string_view separator) {
-    return Split(text, separator, -1, Compare::Binary).size();
-}
+constexpr std::int32_t kFieldCount = 4;
 
 bool IsKnownKind(const std::string& kind) {
     return kind == kKindFileSystem || kind == kKindRegistryKey || kind == kKindRegistryValue;
