@@ -16,5 +16,7 @@ void AddVersionCommand(CLI::App& app, int& exitCode);
 void AddDefsCommands(CLI::App& app, int& exitCode);
 // orvex log show: the deciphered scan log.
 void AddLogCommands(CLI::App& app, int& exitCode);
+// orvex scan: the whole scan without windows.
+void AddScanCommand(CLI::App& app, int& exitCode);
 
 }  // namespace orvex::cli

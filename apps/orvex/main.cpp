@@ -16,6 +16,7 @@ int main(int argc, char** argv) {
     AddVersionCommand(app, exitCode);
     AddDefsCommands(app, exitCode);
     AddLogCommands(app, exitCode);
+    AddScanCommand(app, exitCode);
     try {
         auto host = orvex::platform::MakeHostPlatform();
         orvex::platform::ScopedPlatform installed(host->view());
