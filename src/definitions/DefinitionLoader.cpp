@@ -69,6 +69,19 @@ bool HasSeparator(std::string_view line) {
     return line.find('|') != std::string_view::npos;
 }
 
+// Piece i of a line split at "|", as an array subscript of the split: failure 9 when the
+// line has no such piece (an empty line has none at all).
+std::string_view Piece(std::string_view line, std::size_t i) {
+    if (line.empty()) Raise(failure::kSubscript);
+    std::size_t start = 0;
+    for (; i > 0; --i) {
+        const std::size_t bar = line.find('|', start);
+        if (bar == std::string_view::npos) Raise(failure::kSubscript);
+        start = bar + 1;
+    }
+    return line.substr(start, line.find('|', start) - start);
+}
+
 // Element i of split pieces, as an array subscript: failure 9 when it is not there.
 const std::string& Column(const std::vector<std::string>& pieces, std::size_t i) {
     if (i >= pieces.size()) Raise(failure::kSubscript);
@@ -213,10 +226,9 @@ class SectionParser {
     static void FileFilesLine(std::string line) {
         DefinitionTables& t = Definitions();
         if (HasSeparator(line)) {
-            const std::vector<std::string> pieces = Split(line, "|");
             const auto index = static_cast<std::size_t>(t.FileDefs.Count) + 1;
             t.FileIndex.Items.resize(index + 1);
-            t.FileIndex[index] = FileRecord{pieces[0], LCase(pieces[1])};
+            t.FileIndex[index] = FileRecord{std::string(Piece(line, 0)), LCase(Piece(line, 1))};
             ++t.FileIndex.Count;
         }
         AppendLine(t.FileDefs, std::move(line));
@@ -247,8 +259,10 @@ void SwapFileColumns(Procedure& proc, TextTable& fileDefs) {
     for (std::string& line : fileDefs.Items) {
         if (!line.empty()) {
             proc.Step([&] {
-                const std::vector<std::string> pieces = Split(line, "|");
-                line = LCase(Column(pieces, 1)) + "|" + pieces[0];
+                std::string swapped = LCase(Piece(line, 1));
+                swapped += '|';
+                swapped += Piece(line, 0);
+                line = std::move(swapped);
             });
         }
         ui::DoEvents();
@@ -262,8 +276,7 @@ void RebuildFileIndex(const TextTable& fileDefs, DefArray<FileRecord>& index) {
     for (std::size_t i = 0; i < fileDefs.Items.size(); ++i) {
         const std::string& line = fileDefs.Items[i];
         if (HasSeparator(line)) {
-            const std::vector<std::string> pieces = Split(line, "|");
-            index[i] = FileRecord{pieces[1], LCase(pieces[0])};
+            index[i] = FileRecord{std::string(Piece(line, 1)), LCase(Piece(line, 0))};
             ++index.Count;
         }
         ui::DoEvents();
@@ -277,10 +290,9 @@ void RebuildMd5Index(Procedure& proc, const TextTable& md5Defs, DefArray<Md5Reco
     for (std::size_t i = 0; i < md5Defs.Items.size(); ++i) {
         const std::string& line = md5Defs.Items[i];
         if (!line.empty()) {
-            const std::vector<std::string> pieces = Split(line, "|");
             Md5Record& record = index[i];
-            proc.Step([&] { record.Name = Column(pieces, 1); });
-            proc.Step([&] { record.Hash = Column(pieces, 0); });
+            proc.Step([&] { record.Name = Piece(line, 1); });
+            proc.Step([&] { record.Hash = Piece(line, 0); });
             proc.Step([&] { record.FirstChar = static_cast<std::int16_t>(Asc(record.Hash)); });
             ++index.Count;
         }
