@@ -1,0 +1,28 @@
+// ResultsPage.h: frmresults, the page that follows a scan and tells what it found.
+#pragma once
+
+#include "ui/Controls.h"
+#include "ui/Form.h"
+
+namespace orvex {
+
+class FrmResults : public ui::Form {
+  public:
+    FrmResults();
+
+    void Form_Load() override;
+
+    ui::Label lbl2{*this, "lbl2"};      // heading
+    ui::Label lbl3{*this, "lbl3"};      // summary
+    ui::Label Label1{*this, "Label1"};  // "Run Scan Again"
+    ui::ImageButton Image5{*this, "Image5"};
+    ui::Label Label2{*this, "Label2"};  // "View Scheduling Options"
+    ui::ImageButton Image6{*this, "Image6"};
+};
+
+FrmResults& frmresults();
+
+// The heading of a scan that the user stopped.
+inline constexpr const char* kScanStoppedHeading = "Scan has been stopped";
+
+}  // namespace orvex
