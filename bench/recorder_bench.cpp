@@ -9,6 +9,7 @@
 
 #include "core/AppState.h"
 #include "definitions/DefinitionTables.h"
+#include "platform/memory/MemoryPlatform.h"
 #include "scan/Recorder.h"
 
 namespace {
@@ -35,6 +36,12 @@ const std::vector<orvex::ScumRow>& Findings() {
     return rows;
 }
 
+// The recorder touches frmscan, which may want the machine when it loads.
+struct BenchMachine {
+    orvex::platform::memory::MemoryPlatform machine;
+    orvex::platform::ScopedPlatform installed{machine.view()};
+};
+
 void LoadItemList(int lines) {
     orvex::Definitions() = orvex::DefinitionTables{};
     for (int i = 0; i < lines; ++i)
@@ -57,6 +64,7 @@ BENCHMARK(BM_VectorBaseline)->Unit(benchmark::kMillisecond);
 
 // Argument: the number of [ItemList] lines; the severity look-up walks them in file order.
 void BM_ScumListDetailsAdd(benchmark::State& state) {
+    BenchMachine machine;
     LoadItemList(static_cast<int>(state.range(0)));
     const auto& findings = Findings();
     for (auto _ : state) {
@@ -74,6 +82,7 @@ BENCHMARK(BM_ScumListDetailsAdd)->Arg(kNames)->Arg(0)->Unit(benchmark::kMillisec
 // The same findings reported a second time, as two scanners meeting one file do: every
 // add is a duplicate.
 void BM_ScumListDetailsAddDuplicates(benchmark::State& state) {
+    BenchMachine machine;
     LoadItemList(kNames);
     const auto& findings = Findings();
     orvex::ScumListOfRun().clear();
