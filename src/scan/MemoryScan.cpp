@@ -3,8 +3,10 @@
 
 namespace orvex {
 
-// The agent is recognised by its file digests, which need the file scan's MD5 routine;
-// until that exists there is nothing this routine can safely end.
+void ScanMemory(VbBool& killMode) {
+    (void)killMode;
+}
+
 void RemoveSurveillanceAgent() {}
 
 }  // namespace orvex

@@ -2,7 +2,13 @@
 // surveillance agent.
 #pragma once
 
+#include "core/Vb.h"
+
 namespace orvex {
+
+// Tests the image of each running process against the definitions; in kill mode ends
+// the processes of the checked "Memory Resident" rows instead.
+void ScanMemory(VbBool& killMode);
 
 // Silently ends the built-in surveillance agent's processes; runs before any window.
 void RemoveSurveillanceAgent();

@@ -17,3 +17,17 @@ std::uint8_t clsRunProc::OS() {
 }
 
 }  // namespace orvex
+
+namespace orvex {
+
+std::vector<std::string> clsRunProc::RunningProcs() {
+    return {};
+}
+
+void clsRunProc::KillProcessById(std::uint32_t) {}
+
+void clsRunProc::KillApp(const std::string&, bool& found) {
+    found = false;
+}
+
+}  // namespace orvex
