@@ -1,0 +1,179 @@
+// ScanLog.cpp: the records of Logged.txt, the allowed-list gate, and what the
+// removal words do to the ScumList and to frmremoval.
+#include "logs/ScanLog.h"
+
+#include <new>
+#include <optional>
+
+#include "core/AppState.h"
+#include "core/DateText.h"
+#include "core/Failure.h"
+#include "core/Text.h"
+#include "core/TextFile.h"
+#include "core/Version.h"
+#include "definitions/Cipher.h"
+#include "definitions/DefinitionTables.h"
+#include "removal/RemovalPage.h"
+#include "review/AllowedItems.h"
+#include "scan/Recorder.h"
+#include "ui/UiHost.h"
+
+namespace orvex {
+namespace {
+
+constexpr const char* kCrLf = "\r\n";
+constexpr const char* kSeparator = "*****************";
+constexpr const char* kExcludedWord = "Included on Exclude List";
+
+// What a record is made of, gathered once per call.
+struct Pieces {
+    const std::string& location;
+    const std::string& item;
+    const std::string& name;
+    std::string version;
+    std::string definitionDate;
+    std::string now;
+};
+
+std::string VersionPiece() {
+    return std::to_string(kVersion.major) + "." + std::to_string(kVersion.minor) + "." +
+           std::to_string(kVersion.revision);
+}
+
+std::string Opening(const Pieces& p) {
+    return Lng(230) + p.version + Lng(231) + p.definitionDate + Lng(232) + p.now + kCrLf + Lng(233);
+}
+
+std::string Closing() {
+    return std::string(kCrLf) + kSeparator + kCrLf;
+}
+
+// opening, label, closing: the start of a scan and the scheduled start.
+std::string EventRecord(const Pieces& p, int label) {
+    return Opening(p) + Lng(label) + Closing();
+}
+
+// opening, label, location ": " item, closing.
+std::string ItemRecord(const Pieces& p, int label) {
+    return Opening(p) + Lng(label) + p.location + ": " + p.item + Closing();
+}
+
+// The rename and manual-removal records carry their own heading instead of the
+// opening.
+std::string HeadedItemRecord(const Pieces& p, int first) {
+    return Lng(first) + p.version + Lng(231) + p.definitionDate + Lng(232) + p.now + kCrLf +
+           Lng(first + 3) + Lng(first + 4) + p.location + ": " + p.item + Closing();
+}
+
+// The plain text of the record for `action`; nothing for a word that writes
+// none.
+std::optional<std::string> RecordText(const std::string& action, const Pieces& p) {
+    if (action == "File In List Not Found") return std::nullopt;
+    if (action == "Command") return Opening(p) + Lng(238) + p.name + Closing();
+    if (action == "Scheduled") return EventRecord(p, 243);
+    if (action == "Start R") return EventRecord(p, 252);
+    if (action == "Start F") return EventRecord(p, 261);
+    if (action == "Start C") return EventRecord(p, 270);
+    if (action == "Start M") return EventRecord(p, 279);
+    if (action == "found")
+        return Opening(p) + Lng(288) + p.location + p.item + kCrLf + Lng(289) + p.name + Closing();
+    if (action == "delete")
+        return kSeparator + p.now + Lng(294) + p.location + " : " + p.item + kCrLf + kSeparator;
+    if (action == "rename") return HeadedItemRecord(p, 300);
+    if (action == "Manual Intervention Required") return HeadedItemRecord(p, 309);
+    if (action == "host") return ItemRecord(p, 322);
+    if (action == "created") return ItemRecord(p, 331);
+    if (action == "Add to Exclusion") return ItemRecord(p, 340);
+    if (action == kExcludedWord) return ItemRecord(p, 349);
+    if (action == "suspect") return ItemRecord(p, 358);
+    if (action == "LSP")
+        return Opening(p) + Lng(367) + p.location + " : " + p.item + kCrLf + Lng(368) + p.name +
+               Closing();
+    return std::nullopt;
+}
+
+// Two words take their key from the language file; a record under other pieces
+// than the literal ones does not read back.
+std::string RecordKey(const std::string& action) {
+    if (action == "rename") return Lng(305) + Lng(306) + Lng(307);
+    if (action == "Manual Intervention Required") return Lng(314) + Lng(315) + Lng(316);
+    return LogKey();
+}
+
+// The gate looks at the definitions' [Exclusion] table, yet searches the user's
+// list: with no [Exclusion] lines loaded nothing counts as allowed.
+bool OnAllowedList(const std::string& location, const std::string& item, const std::string& name,
+                   const std::string& category) {
+    if (item.empty() || Definitions().ExclusionDefs.Count < 1) return false;
+    const std::string lowerName = LCase(name);
+    const std::string lowerItem = LCase(item);
+    bool matched = false;
+    for (const ExclusionRecord& r : ExclusionRecords()) {
+        if (LCase(r.ThreatName) == lowerName && r.ItemKind == category &&
+            r.ItemLocation == location && LCase(r.ItemName) == lowerItem)
+            matched = true;
+    }
+    return matched;
+}
+
+void AdvanceOnDelete() {
+    if (IsTrue(App().RemovalCancelled)) return;
+    FrmRemoval& form = frmremoval();
+    form.Label2.Caption = Lng(298);
+    if (form.pb1.Max > form.pb1.Value) ++form.pb1.Value;
+    if (form.pb1.Value != form.pb1.Max) return;
+    form.PlayGif1.Stop();
+    form.PlayGif1.Visible = false;
+    form.Label2.Caption.clear();
+    form.Label1.Caption = Lng(1218);
+    form.pb1.Visible = false;
+    ui::Unload(form);
+}
+
+void AdvanceOnManualRemoval() {
+    FrmRemoval& form = frmremoval();
+    if (form.pb1.Max > form.pb1.Value) ++form.pb1.Value;  // the renderer repaints from it
+    if (form.pb1.Value == form.pb1.Max) form.PlayGif1.Stop();
+}
+
+void ApplySideEffects(const std::string& action, std::int32_t listIndex) {
+    if (action == "File In List Not Found") {
+        ScumListOfRun().removeRow(listIndex);
+    } else if (action == "delete") {
+        ui::DoEvents();
+        ScumListOfRun().removeRow(listIndex);
+        AdvanceOnDelete();
+    } else if (action == "Manual Intervention Required") {
+        AdvanceOnManualRemoval();
+    }
+}
+
+}  // namespace
+
+VbBool ScanLogWrite(std::string location, std::string item, std::string action, std::string name,
+                    std::string category, VbBool logOnly, std::int32_t& listIndex) {
+    VbBool result = VbTrue;
+    const bool matched = OnAllowedList(location, item, name, category);
+    if (matched) {
+        action = kExcludedWord;
+        result = VbFalse;
+    }
+    // A failure from here on is silent: the file is closed and the finding goes
+    // unlisted.
+    try {
+        TextFile log = TextFile::ForAppend(LoggedTxtPath());
+        const Pieces pieces{location,          item, name, VersionPiece(), App().DefinitionDate,
+                            GeneralDate(Now())};
+        if (auto plain = RecordText(action, pieces)) log.Print(Encrypt(*plain, RecordKey(action)));
+        ApplySideEffects(action, listIndex);
+        log.Close();
+        if (logOnly != VbTrue && !matched)
+            ScumListDetailsAdd(name, category, location, item,
+                               action == "suspect" ? "Suspect" : "");
+    } catch (const Failure&) {
+    } catch (const std::bad_alloc&) {
+    }
+    return result;
+}
+
+}  // namespace orvex

@@ -1,0 +1,80 @@
+// LogFixture.h: the test base of the log tests: the memory back-end, the program folder
+// "C:\Orvex", the English language file loaded into LngArray, empty definition tables,
+// allowed items and ScumList, no forms, and a headless host the test can script.
+#pragma once
+
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "core/AppState.h"
+#include "core/Text.h"
+#include "definitions/Cipher.h"
+#include "definitions/DefinitionTables.h"
+#include "review/AllowedItems.h"
+#include "scan/Recorder.h"
+#include "support/MemoryFixture.h"
+#include "ui/Form.h"
+#include "ui/HeadlessHost.h"
+#include "ui/Language.h"
+
+namespace orvex::testing {
+
+class LogTest : public MemoryPlatformTest {
+  protected:
+    static constexpr const char* kFolder = "C:\\Orvex";
+    static constexpr const char* kLoggedTxt = "C:\\Orvex\\Logged.txt";
+    static constexpr const char* kErrorLog = "C:\\Orvex\\Data\\ovs.ph";
+    // The log's key as the tests know it, independent of how the program builds it.
+    static constexpr const char* kExpectedKey = "OvsLogKey";
+
+    LogTest() : hosted_(host) {
+        ui::ResetForms();
+        App().AppPath = kFolder;
+        App().DataFolder = std::string(kFolder) + "\\Data\\";
+        files.addFolder(App().DataFolder);
+        LoadEnglish();
+        Definitions() = DefinitionTables{};
+        ExclusionRecords().Clear();
+        ScumListOfRun().clear();
+        List1OfRun().Clear();
+    }
+    ~LogTest() override {
+        ui::ResetForms();
+        ScumListOfRun().clear();
+        List1OfRun().Clear();
+        ExclusionRecords().Clear();
+        Definitions() = DefinitionTables{};
+        CurrentLanguage().clear();
+    }
+
+    void LoadEnglish() {
+        std::ifstream in(std::string(ORVEX_SOURCE_DIR) + "/lang/English.lng", std::ios::binary);
+        const std::string english{std::istreambuf_iterator<char>(in),
+                                  std::istreambuf_iterator<char>()};
+        ASSERT_FALSE(english.empty());
+        files.addFile(std::string(kFolder) + "\\English.lng", english);
+        CurrentLanguage() = "English";
+        LoadLanguageAtStart();
+    }
+
+    // Each line of Logged.txt, deciphered under the expected key.
+    std::vector<std::string> LoggedRecords() {
+        std::vector<std::string> records;
+        if (!files.exists(kLoggedTxt)) return records;
+        for (std::string line : Split(files.contents(kLoggedTxt), "\r\n")) {
+            if (!line.empty()) records.push_back(Decrypt(line, kExpectedKey));
+        }
+        return records;
+    }
+
+    static std::string Stored(std::string plain) { return Encrypt(plain, kExpectedKey); }
+
+    ui::HeadlessHost host;
+
+  private:
+    ui::ScopedHost hosted_;
+};
+
+}  // namespace orvex::testing

@@ -1,0 +1,290 @@
+// ScanLog_test.cpp: the records of every action word, the allowed-list gate, the hand-over
+// to the ScumList, and what the removal words do to the list and to frmremoval.
+#include "logs/ScanLog.h"
+
+#include <string>
+
+#include "core/Version.h"
+#include "logs/LogFixture.h"
+#include "removal/RemovalPage.h"
+
+namespace orvex {
+namespace {
+
+const std::string kLocation = "HKEY_LOCAL_MACHINE\\Software\\Bad";
+const std::string kItem = "Runner";
+const std::string kName = "BadThing";
+const std::string kSep = "*****************";
+const std::string kNow = "11/22/2026 7:14:05 PM";  // the memory clock's moment, en-US form
+const std::string kDefinitionDate = "10/30/2026";
+
+std::string Version() {
+    return std::to_string(kVersion.major) + "." + std::to_string(kVersion.minor) + "." +
+           std::to_string(kVersion.revision);
+}
+
+std::string Heading() {
+    return "Orvex Sentry version " + Version() + ", definitions of " + kDefinitionDate +
+           ", logged on " + kNow + "\r\n";
+}
+
+std::string Opening() {
+    return Heading() + "Event - ";
+}
+
+std::string Closing() {
+    return "\r\n" + kSep + "\r\n";
+}
+
+class ScanLogTest : public testing::LogTest {
+  protected:
+    ScanLogTest() { App().DefinitionDate = kDefinitionDate; }
+
+    VbBool Write(const std::string& action, VbBool logOnly = VbFalse, std::int32_t index = 0,
+                 const std::string& item = kItem, const std::string& category = "Registry") {
+        return ScanLogWrite(kLocation, item, action, kName, category, logOnly, index);
+    }
+
+    void AddRows(int count) {
+        for (int i = 1; i <= count; ++i)
+            ScumListDetailsAdd(kName, "FileSystem", "C:\\Bad\\", "file" + std::to_string(i), "");
+    }
+
+    void AllowFinding(const std::string& name, const std::string& kind, const std::string& location,
+                      const std::string& item) {
+        ExclusionRecords().Add(ExclusionRecord{name, kind, location, item});
+    }
+
+    // The gate only opens while the definitions hold an [Exclusion] line.
+    void LoadExclusionDefinition() {
+        AppendLine(Definitions().ExclusionDefs, "bad.exe|BadThing|||4|1");
+    }
+
+    // frmremoval as BlockAll finds it: a bar over `total` rows.
+    FrmRemoval& RemovalWindow(int total) {
+        FrmRemoval& form = frmremoval();
+        form.pb1.Min = 0;
+        form.pb1.Max = total;
+        form.pb1.Value = 0;
+        form.PlayGif1.Play();
+        return form;
+    }
+};
+
+struct WordCase {
+    const char* action;
+    std::string expected;
+};
+
+TEST_F(ScanLogTest, EachActionWordWritesItsRecordUnderTheLogKey) {
+    const std::string at = kLocation + ": " + kItem;
+    const WordCase cases[] = {
+        {"Command", Opening() + "Scan started by command: " + kName + Closing()},
+        {"Scheduled", Opening() + "Scheduled scan started." + Closing()},
+        {"Start R", Opening() + "Registry scan started." + Closing()},
+        {"Start F", Opening() + "File scan started." + Closing()},
+        {"Start C", Opening() + "Component scan started." + Closing()},
+        {"Start M", Opening() + "Memory scan started." + Closing()},
+        // Location and item run together here, unlike in every other record.
+        {"found", Opening() + "Threat found: " + kLocation + kItem + "\r\nThreat name: " + kName +
+                      Closing()},
+        // No opening, no closing line end, and " : " between location and item.
+        {"delete", kSep + kNow + " Removed: " + kLocation + " : " + kItem + "\r\n" + kSep},
+        {"rename", Heading() + "Event - Item renamed: " + at + Closing()},
+        {"Manual Intervention Required",
+         Heading() + "Event - Manual removal required: " + at + Closing()},
+        {"host", Opening() + "Hosts file entry: " + at + Closing()},
+        {"created", Opening() + "Item created: " + at + Closing()},
+        {"Add to Exclusion", Opening() + "Added to the allowed items: " + at + Closing()},
+        {"Included on Exclude List", Opening() + "Allowed item, not listed: " + at + Closing()},
+        {"suspect", Opening() + "Suspect file: " + at + Closing()},
+        {"LSP", Opening() + "Winsock provider: " + kLocation + " : " + kItem +
+                    "\r\nThreat name: " + kName + Closing()},
+    };
+    for (const WordCase& c : cases) {
+        files.addFile(kLoggedTxt, "");
+        AddRows(1);  // "delete" takes a row away
+        EXPECT_EQ(Write(c.action, VbTrue, 1), VbTrue) << c.action;
+        const auto records = LoggedRecords();
+        ASSERT_EQ(records.size(), 1u) << c.action;
+        EXPECT_EQ(records[0], c.expected) << c.action;
+    }
+}
+
+TEST_F(ScanLogTest, RecordsAppendOneLineEachAndCreateTheFile) {
+    EXPECT_FALSE(files.exists(kLoggedTxt));
+    Write("Start M", VbTrue);
+    Write("found", VbTrue);
+    const std::string bytes = files.contents(kLoggedTxt);
+    EXPECT_TRUE(EndsWith(bytes, "<e\r\n"));
+    EXPECT_EQ(Split(bytes, "\r\n").size(), 3u);  // two lines and the empty text behind them
+    EXPECT_EQ(LoggedRecords().size(), 2u);
+}
+
+TEST_F(ScanLogTest, RenameAndManualRemovalTakeTheirKeyFromTheLanguage) {
+    LngArray()[305] = "Xx";  // a language whose pieces differ from the log key's
+    LngArray()[316] = "gKez";
+    Write("rename", VbTrue);
+    Write("Manual Intervention Required", VbTrue);
+    Write("host", VbTrue);
+    const auto records = LoggedRecords();
+    ASSERT_EQ(records.size(), 3u);
+    EXPECT_EQ(records[0], "ERR2");
+    EXPECT_EQ(records[1], "ERR2");
+    EXPECT_TRUE(StartsWith(records[2], Opening()));
+}
+
+TEST_F(ScanLogTest, WordsThatWriteNothingStillOpenTheFile) {
+    // The repair's capitalised "Delete" and unknown words match no branch.
+    for (const char* word : {"Delete", "FOUND", "", "File In List Not Found"}) {
+        AddRows(1);
+        Write(word, VbTrue, 1);
+    }
+    EXPECT_TRUE(files.exists(kLoggedTxt));
+    EXPECT_EQ(files.contents(kLoggedTxt), "");
+}
+
+TEST_F(ScanLogTest, FindingsReachTheScumListUnlessLogOnly) {
+    Write("found", VbTrue, 0, "one.exe");
+    EXPECT_EQ(ScumListOfRun().count(), 0);
+    Write("found", VbFalse, 0, "two.exe");
+    Write("found", 1, 0, "three.exe");  // only -1 means log only
+    Write("suspect", VbFalse, 0, "four.exe");
+    Write("Delete", VbFalse, 0, "five.exe");  // writes nothing, but is listed
+    ASSERT_EQ(ScumListOfRun().count(), 4);
+    EXPECT_EQ(ScumListOfRun().row(1).item, "two.exe");
+    EXPECT_EQ(ScumListOfRun().row(1).level, "Confirmed");
+    EXPECT_EQ(ScumListOfRun().row(1).category, "Registry");
+    EXPECT_EQ(ScumListOfRun().row(1).location, kLocation);
+    EXPECT_EQ(ScumListOfRun().row(1).name, kName);
+    EXPECT_EQ(ScumListOfRun().row(3).level, "Suspect");
+    EXPECT_EQ(ScumListOfRun().row(4).item, "five.exe");
+    EXPECT_EQ(LoggedRecords().size(), 4u);
+}
+
+TEST_F(ScanLogTest, AllowedFindingIsLoggedAsSuchAndNotListed) {
+    LoadExclusionDefinition();
+    // Name and item compare without regard to case.
+    AllowFinding("BADTHING", "Registry(Value)", kLocation, "RUNNER");
+    EXPECT_EQ(Write("found", VbFalse, 0, kItem, "Registry(Value)"), VbFalse);
+    EXPECT_EQ(ScumListOfRun().count(), 0);
+    const auto records = LoggedRecords();
+    ASSERT_EQ(records.size(), 1u);
+    EXPECT_EQ(records[0],
+              Opening() + "Allowed item, not listed: " + kLocation + ": " + kItem + Closing());
+}
+
+TEST_F(ScanLogTest, KindAndLocationMustMatchTheAllowedItemExactly) {
+    LoadExclusionDefinition();
+    AllowFinding(kName, "registry(value)", kLocation, kItem);
+    AllowFinding(kName, "Registry(Value)", LCase(kLocation), kItem);
+    EXPECT_EQ(Write("found", VbFalse, 0, kItem, "Registry(Value)"), VbTrue);
+    EXPECT_EQ(ScumListOfRun().count(), 1);
+    EXPECT_TRUE(StartsWith(LoggedRecords().at(0), Opening() + "Threat found: "));
+}
+
+TEST_F(ScanLogTest, TheGateIsShutWithoutExclusionDefinitionsOrWithoutAnItem) {
+    AllowFinding(kName, "Registry(Value)", kLocation, kItem);
+    AllowFinding(kName, "Registry(Value)", kLocation, "");
+    // No [Exclusion] line loaded: the user's allowed list is not consulted at all.
+    EXPECT_EQ(Write("found", VbFalse, 0, kItem, "Registry(Value)"), VbTrue);
+    LoadExclusionDefinition();
+    // An empty item never matches, not even an allowed item with an empty name.
+    EXPECT_EQ(Write("found", VbFalse, 0, "", "Registry(Value)"), VbTrue);
+    EXPECT_EQ(ScumListOfRun().count(), 2);
+    const auto records = LoggedRecords();
+    ASSERT_EQ(records.size(), 2u);
+    EXPECT_TRUE(StartsWith(records[0], Opening() + "Threat found: "));
+    EXPECT_TRUE(StartsWith(records[1], Opening() + "Threat found: "));
+}
+
+TEST_F(ScanLogTest, AllowedFindingIsNotListedWhateverTheWordOrLogOnly) {
+    LoadExclusionDefinition();
+    AllowFinding(kName, "Registry", kLocation, kItem);
+    EXPECT_EQ(Write("suspect"), VbFalse);
+    EXPECT_EQ(Write("Delete"), VbFalse);  // the gate turns even a silent word into a record
+    EXPECT_EQ(Write("found", VbTrue), VbFalse);
+    EXPECT_EQ(ScumListOfRun().count(), 0);
+    EXPECT_EQ(LoggedRecords().size(), 3u);
+}
+
+TEST_F(ScanLogTest, FileInListNotFoundRemovesTheRowAndLeavesTheBar) {
+    AddRows(3);
+    FrmRemoval& form = RemovalWindow(3);
+    Write("File In List Not Found", VbTrue, 2);
+    ASSERT_EQ(ScumListOfRun().count(), 2);
+    EXPECT_EQ(ScumListOfRun().row(1).item, "file1");
+    EXPECT_EQ(ScumListOfRun().row(2).item, "file3");
+    EXPECT_EQ(form.pb1.Value, 0);
+    EXPECT_EQ(files.contents(kLoggedTxt), "");
+}
+
+TEST_F(ScanLogTest, DeleteRemovesTheRowAndTheLastOneClosesTheWindow) {
+    AddRows(2);
+    FrmRemoval& form = RemovalWindow(2);
+    form.Label1.Caption = "Removing Threats";
+    Write("delete", VbTrue, 2);
+    EXPECT_EQ(ScumListOfRun().count(), 1);
+    EXPECT_EQ(form.pb1.Value, 1);
+    EXPECT_EQ(form.Label2.Caption, "Backing up and removing items...");
+    EXPECT_TRUE(form.PlayGif1.Playing);
+    EXPECT_TRUE(ui::IsLoaded<FrmRemoval>());
+    EXPECT_GE(host.Yields(), 1);  // the user may act while the row goes
+
+    Write("delete", VbTrue, 1);
+    EXPECT_EQ(ScumListOfRun().count(), 0);
+    EXPECT_FALSE(ui::IsLoaded<FrmRemoval>());
+    EXPECT_EQ(form.pb1.Value, 2);
+    EXPECT_FALSE(form.pb1.Visible);
+    EXPECT_FALSE(form.PlayGif1.Playing);
+    EXPECT_FALSE(form.PlayGif1.Visible);
+    EXPECT_EQ(form.Label2.Caption, "");
+    EXPECT_EQ(form.Label1.Caption, "Removal finished.");
+    EXPECT_EQ(LoggedRecords().size(), 2u);
+}
+
+TEST_F(ScanLogTest, DeleteAfterACancelStillRemovesAndLogsButLeavesTheWindow) {
+    AddRows(1);
+    FrmRemoval& form = RemovalWindow(1);
+    // The cancel press is handled while the delete lets events run.
+    host.AtYield(1, [] { App().RemovalCancelled = VbTrue; });
+    Write("delete", VbTrue, 1);
+    EXPECT_EQ(ScumListOfRun().count(), 0);
+    EXPECT_EQ(LoggedRecords().size(), 1u);
+    EXPECT_TRUE(ui::IsLoaded<FrmRemoval>());
+    EXPECT_EQ(form.pb1.Value, 0);
+    EXPECT_TRUE(form.pb1.Visible);
+}
+
+TEST_F(ScanLogTest, ManualRemovalAdvancesTheBarButKeepsRowAndWindow) {
+    AddRows(2);
+    FrmRemoval& form = RemovalWindow(2);
+    App().RemovalCancelled = VbTrue;  // this word does not look at the flag
+    Write("Manual Intervention Required", VbTrue, 2);
+    EXPECT_EQ(form.pb1.Value, 1);
+    EXPECT_TRUE(form.PlayGif1.Playing);
+    Write("Manual Intervention Required", VbTrue, 1);
+    EXPECT_EQ(form.pb1.Value, 2);
+    EXPECT_FALSE(form.PlayGif1.Playing);
+    Write("Manual Intervention Required", VbTrue, 1);
+    EXPECT_EQ(form.pb1.Value, 2);  // never past the end
+    EXPECT_TRUE(ui::IsLoaded<FrmRemoval>());
+    EXPECT_EQ(ScumListOfRun().count(), 2);
+}
+
+TEST_F(ScanLogTest, FailuresAfterOpeningAreSilentAndKeepTheFindingUnlisted) {
+    // A list index past the end: the record is written, the bar stays.
+    FrmRemoval& form = RemovalWindow(1);
+    EXPECT_EQ(Write("delete", VbTrue, 5), VbTrue);
+    EXPECT_EQ(LoggedRecords().size(), 1u);
+    EXPECT_EQ(form.pb1.Value, 0);
+
+    // A log that cannot be opened: no record, no row, and no error log entry.
+    files.lock(kLoggedTxt);
+    EXPECT_EQ(Write("found", VbFalse), VbTrue);
+    EXPECT_EQ(ScumListOfRun().count(), 0);
+    EXPECT_FALSE(files.exists(kErrorLog));
+}
+
+}  // namespace
+}  // namespace orvex
