@@ -3,12 +3,15 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "removal/RemovalPage.h"
 #include "ui/Controls.h"
 #include "ui/Form.h"
 
 namespace orvex {
+
+class Procedure;
 
 class FrmScan : public ui::Form {
   public:
@@ -31,16 +34,24 @@ class FrmScan : public ui::Form {
     ui::Label lbl4{*this, "lbl4"};            // threats found
     ui::ImageButton Image1{*this, "Image1"};  // stop
     ui::ImageButton Image2{*this, "Image2"};  // on to the results
-    ui::ListBox Drive1{*this, "Drive1"};      // the machine's drives, never shown
+    // The drives ("c:", ...), filled as the page loads; the walk takes each entry as the
+    // root of a tree, so a caller may put a folder ("C:\\data") in their place.
+    ui::ListBox Drive1{*this, "Drive1"};
     GifPlayer PlayGif1{*this, "PlayGif1"};
     ui::ImageButton Picture1{*this, "Picture1"};  // background
     int Picture = 0;                              // the form's own picture from its image set
 
   private:
+    // Whether this instance is the loaded page: a stop unloads it while its routines run.
+    bool IsCurrent() const;
+    void RunScans(Procedure& proc);
     void ScanDrive();
 };
 
 FrmScan& frmscan();
+
+// The stage the running scan is in: "memory", "registry" or "files"; empty when idle.
+std::string_view CurrentScanStage();
 
 // Stores the present date and time as LastScan under the product key.
 void LastScan();
