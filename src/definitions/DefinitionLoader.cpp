@@ -359,10 +359,9 @@ void EnableScan() {
 
 // The pivot index (low + high) / 2, rounded half to even as a classic array subscript is.
 std::int64_t MiddleIndex(std::int64_t low, std::int64_t high) {
-    const std::int64_t sum = low + high;
-    const std::int64_t down = sum >= 0 ? sum / 2 : -((-sum + 1) / 2);
-    if (sum % 2 == 0) return down;
-    return down % 2 == 0 ? down : down + 1;
+    const std::int64_t sum = low + high;  // both bounds are at least 0
+    const std::int64_t down = sum / 2;
+    return sum % 2 == 0 || down % 2 == 0 ? down : down + 1;
 }
 
 // One partition step of the quicksort: returns the split points (j, i).

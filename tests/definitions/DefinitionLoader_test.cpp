@@ -283,6 +283,17 @@ TEST(QuickSortMe, SortsTheRangeAndLeavesTheRestAlone) {
     EXPECT_EQ(lines, expected);
 }
 
+// The yields count the steps of the classic algorithm, so they pin its pivot: the middle
+// index with halves rounded to even (21 steps here; 16 rounding down, 20 rounding halves up).
+TEST(QuickSortMe, PivotIsTheMiddleRoundedHalfToEven) {
+    ui::HeadlessHost host;
+    ui::ScopedHost scoped(host);
+    Lines letters{"g", "a", "b", "c", "a", "e", "a", "e"};
+    QuickSortMe(letters, -1, -1);
+    EXPECT_EQ(letters, (Lines{"a", "a", "a", "b", "c", "e", "e", "g"}));
+    EXPECT_EQ(host.Yields(), 21);
+}
+
 TEST(QuickSortMe, DeepInputsDoNotExhaustTheStack) {
     Lines same(200000, "same");
     QuickSortMe(same, -1, -1);
