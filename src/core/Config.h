@@ -17,3 +17,11 @@ inline constexpr const char* kMutexNameNt5 = "Global\\\\_Orvex_Sentry";
 inline constexpr const char* kMutexNameOther = "\\\\_Orvex_Sentry";
 
 }  // namespace orvex::config
+
+// DNS suffixes that two known hijackers write into the TCP/IP settings; compared exactly.
+// Two-label names; the reserved top-level domain keeps them from naming a real site until
+// the suffixes of the threats in the field are filled in.
+namespace orvex::config {
+inline constexpr const char* kDomainHijackNameA = "searchsuffix.invalid";
+inline constexpr const char* kDomainHijackNameB = "dnsredirect.invalid";
+}  // namespace orvex::config

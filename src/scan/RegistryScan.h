@@ -17,7 +17,7 @@ void RegistryCheck(std::uint32_t rootHandle, const std::string& key, const std::
 // `text` without one leading and one trailing double quote, each only when present.
 std::string removeChr34(const std::string& text);
 
-// A root name to its handle; std::nullopt-like 0 when the name is none of the roots.
+// A root name to its handle, compared exactly; 0 when the name is none of the roots.
 std::uint32_t RootHandleFromName(const std::string& name);
 // The handle to the root's name as findings write it; empty for HKEY_PERFORMANCE_DATA
 // and for anything unknown.

@@ -1,0 +1,335 @@
+// MemoryScan_test.cpp: the Windows family table, the process list in each family's form,
+// the scan of running images by digest and by name, ending the processes of checked rows,
+// and the start-up removal of the surveillance agent.
+#include "scan/MemoryScan.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "core/AppState.h"
+#include "definitions/DefinitionTables.h"
+#include "logs/LogFile.h"
+#include "platform/Md5.h"
+#include "scan/Recorder.h"
+#include "scan/RunProc.h"
+#include "support/MemoryFixture.h"
+#include "ui/Form.h"
+#include "ui/HeadlessHost.h"
+
+namespace orvex {
+namespace {
+
+constexpr const char* kMemory = "Memory Resident";
+
+class MemoryScanTest : public testing::MemoryPlatformTest {
+  protected:
+    MemoryScanTest() : hostGuard_(host) {
+        ui::ResetForms();
+        Definitions() = DefinitionTables{};
+        ScumListOfRun().clear();
+        List1OfRun().Clear();
+        files.addFolder("C:\\Orvex");
+        App().AppPath = "C:\\Orvex";
+        App().DataFolder = "C:\\Orvex\\";
+        files.addFolder("C:\\Apps");
+    }
+    ~MemoryScanTest() override {
+        ui::ResetForms();
+        Definitions() = DefinitionTables{};
+        ScumListOfRun().clear();
+        List1OfRun().Clear();
+    }
+
+    // A running process whose image lies on the disk with these bytes.
+    std::uint32_t Run(const std::string& path, const std::string& bytes = "image") {
+        files.addFile(path, bytes);
+        return processes.addProcess(path);
+    }
+
+    // The digest index as the loader leaves it: the empty element first, then sorted.
+    static void Digests(std::vector<std::pair<std::string, std::string>> bytesAndThreat) {
+        auto& index = Definitions().Md5Index;
+        index.Items.assign(1, Md5Record{});
+        for (const auto& [bytes, threat] : bytesAndThreat) {
+            const std::string hash = platform::Md5Hex(bytes);
+            index.Items.push_back(Md5Record{threat, static_cast<std::int16_t>(hash[0]), hash});
+        }
+        std::sort(index.Items.begin() + 1, index.Items.end(),
+                  [](const Md5Record& a, const Md5Record& b) { return a.Hash < b.Hash; });
+        index.Count = static_cast<std::int32_t>(bytesAndThreat.size());
+    }
+    // File names and their threats, each with an [Exclusion] line giving `code`.
+    static void Names(std::vector<std::tuple<std::string, std::string, int>> entries) {
+        auto& index = Definitions().FileIndex;
+        index.Items.assign(1, FileRecord{});
+        TextTable& exclusions = Definitions().ExclusionDefs;
+        for (const auto& [file, threat, code] : entries) {
+            index.Items.push_back(FileRecord{threat, file});
+            AppendLine(exclusions, file + "||||" + std::to_string(code) + "|0");
+        }
+        std::sort(index.Items.begin() + 1, index.Items.end(),
+                  [](const FileRecord& a, const FileRecord& b) { return a.FileName < b.FileName; });
+        std::sort(exclusions.Items.begin(), exclusions.Items.end());
+        Definitions().FileDefs.Count = static_cast<std::int32_t>(entries.size());
+    }
+
+    static void Scan() {
+        VbBool killMode = VbFalse;
+        ScanMemory(killMode);
+    }
+    static void Kill() {
+        VbBool killMode = VbTrue;
+        ScanMemory(killMode);
+    }
+    static void Check(const std::string& threat, const std::string& item,
+                      const std::string& folder = "C:\\Apps\\") {
+        ScumListDetailsAdd(threat, kMemory, folder, item, "");
+        ScumListOfRun().setChecked(ScumListOfRun().count(), true);
+    }
+    static const ScumList& Rows() { return ScumListOfRun(); }
+
+    std::vector<std::string> LogRecords() {
+        std::vector<std::string> records;
+        if (files.exists(LoggedTxtPath()))
+            ReadScanLog(LoggedTxtPath(), [&](const std::string& r) { records.push_back(r); });
+        return records;
+    }
+
+    ui::HeadlessHost host;
+
+  private:
+    ui::ScopedHost hostGuard_;
+};
+
+// ---------------------------------------------------------------------------------------
+// Family table and process list
+
+TEST_F(MemoryScanTest, FamilyTableByPlatformIdAndVersion) {
+    const std::vector<std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, int>> table{
+        {1, 4, 0, 3},  {1, 4, 10, 4}, {1, 4, 90, 4}, {2, 3, 51, 1}, {2, 3, 50, 0},
+        {2, 4, 0, 2},  {2, 4, 1, 0},  {2, 5, 0, 5},  {2, 5, 2, 5},  {2, 6, 0, 0},
+        {2, 10, 0, 0}, {1, 5, 0, 0},  {0, 4, 0, 0},  {3, 5, 1, 0},
+    };
+    for (const auto& [id, major, minor, family] : table) {
+        processes.setOsVersion(id, major, minor);
+        EXPECT_EQ(clsRunProc().OS(), family) << id << " " << major << "." << minor;
+    }
+    processes.failOsVersion();
+    EXPECT_EQ(clsRunProc().OS(), oskind::kUnknown);
+}
+
+TEST_F(MemoryScanTest, NtListGivesIdAndTrimmedPathAndLeavesOutUnreadableProcesses) {
+    processes.addProcess("", "System", 4);
+    processes.addProcess("  C:\\Apps\\a.exe ", "", 200);
+    processes.addProcess("C:\\Apps\\b.exe", "", 204);
+    EXPECT_EQ(clsRunProc().RunningProcs(),
+              (std::vector<std::string>{"200|C:\\Apps\\a.exe", "204|C:\\Apps\\b.exe"}));
+
+    processes.setOsVersion(2, 4, 0);
+    EXPECT_EQ(clsRunProc().RunningProcs().size(), 2u);
+    processes.setOsVersion(2, 6, 1);
+    EXPECT_TRUE(clsRunProc().RunningProcs().empty());
+    // NT 3.51 has a family of its own but no list.
+    processes.setOsVersion(2, 3, 51);
+    EXPECT_TRUE(clsRunProc().RunningProcs().empty());
+}
+
+TEST_F(MemoryScanTest, NineXListGivesSnapshotNamesWithoutIds) {
+    processes.setOsVersion(1, 4, 10);
+    processes.addProcess("C:\\WINDOWS\\KERNEL32.DLL", "C:\\WINDOWS\\KERNEL32.DLL");
+    processes.addProcess("C:\\APPS\\A.EXE", "C:\\APPS\\A.EXE");
+    EXPECT_EQ(clsRunProc().RunningProcs(),
+              (std::vector<std::string>{"C:\\WINDOWS\\KERNEL32.DLL", "C:\\APPS\\A.EXE"}));
+}
+
+// ---------------------------------------------------------------------------------------
+// Scan mode
+
+TEST_F(MemoryScanTest, DigestHitIsAConfirmedRowAndDecidesBeforeTheName) {
+    Run("C:\\Apps\\first.exe", "evil bytes");
+    Run("C:\\Apps\\Evil.EXE", "evil bytes");
+    Digests({{"evil bytes", "Evil Agent"}});
+    Names({{"evil.exe", "Name Threat", 0}});
+    Scan();
+    ASSERT_EQ(Rows().count(), 1);
+    const ScumRow& row = Rows().row(1);
+    EXPECT_EQ(row.name, "Evil Agent");
+    EXPECT_EQ(row.category, kMemory);
+    EXPECT_EQ(row.level, kLevelConfirmed);
+    EXPECT_EQ(row.location, "C:\\Apps\\");
+    EXPECT_EQ(row.item, "evil.exe");
+}
+
+TEST_F(MemoryScanTest, FirstListedProcessIsNeverTestedAndUnreadableOnesDoNotCount) {
+    processes.addProcess("", "System", 4);  // not listed: the skip falls on first.exe
+    Run("C:\\Apps\\first.exe", "evil bytes");
+    Run("C:\\Apps\\second.exe", "evil bytes");
+    Digests({{"evil bytes", "Evil Agent"}});
+    Scan();
+    ASSERT_EQ(Rows().count(), 1);
+    EXPECT_EQ(Rows().row(1).item, "second.exe");
+}
+
+TEST_F(MemoryScanTest, SingleProcessTestsNothing) {
+    Run("C:\\Apps\\evil.exe", "evil bytes");
+    Digests({{"evil bytes", "Evil Agent"}});
+    Scan();
+    EXPECT_TRUE(Rows().empty());
+}
+
+TEST_F(MemoryScanTest, NamePassNeedsExclusionCodeZeroOrOneAndRunsForVanishedImages) {
+    Run("C:\\Apps\\first.exe");
+    processes.addProcess("C:\\Apps\\gone.exe");  // image no longer on the disk
+    Run("C:\\Apps\\suspect.exe");
+    Run("C:\\Apps\\unknown.exe");
+    Names({{"gone.exe", "Gone Threat", 1}, {"suspect.exe", "Suspect Threat", 2}});
+    Scan();
+    ASSERT_EQ(Rows().count(), 1);
+    EXPECT_EQ(Rows().row(1).name, "Gone Threat");
+    EXPECT_EQ(Rows().row(1).item, "gone.exe");
+}
+
+TEST_F(MemoryScanTest, TwoProcessesOfOneImageGiveOneRow) {
+    Run("C:\\Apps\\first.exe");
+    Run("C:\\Apps\\evil.exe", "evil bytes");
+    processes.addProcess("C:\\Apps\\evil.exe");
+    Digests({{"evil bytes", "Evil Agent"}});
+    Scan();
+    EXPECT_EQ(Rows().count(), 1);
+}
+
+TEST_F(MemoryScanTest, UnknownFamilyLogsTheStartAndFindsNothing) {
+    processes.setOsVersion(2, 6, 1);
+    Run("C:\\Apps\\first.exe");
+    Run("C:\\Apps\\evil.exe", "evil bytes");
+    Digests({{"evil bytes", "Evil Agent"}});
+    Scan();
+    EXPECT_TRUE(Rows().empty());
+    EXPECT_EQ(LogRecords().size(), 1u);
+}
+
+TEST_F(MemoryScanTest, StopInTheDigestPassEndsTheScan) {
+    Run("C:\\Apps\\first.exe");
+    Run("C:\\Apps\\a.exe", "a bytes");
+    Run("C:\\Apps\\b.exe", "b bytes");
+    Digests({{"a bytes", "A"}, {"b bytes", "B"}});
+    host.AtYield(1, [] { App().StopRequested = VbTrue; });
+    Scan();
+    EXPECT_TRUE(Rows().empty());
+}
+
+// ---------------------------------------------------------------------------------------
+// Kill mode
+
+TEST_F(MemoryScanTest, KillModeEndsCheckedRowsProcessesById) {
+    const auto first = Run("C:\\Apps\\evil.exe");
+    const auto evil = Run("C:\\Apps\\evil.exe");
+    const auto kept = Run("C:\\Apps\\kept.exe");
+    const auto other = Run("C:\\Apps\\other.exe");
+    Check("Evil", "evil.exe");
+    Check("Kept", "kept.exe");
+    ScumListOfRun().setChecked(2, false);
+    Check("Other", "other.exe");
+    Kill();
+    EXPECT_TRUE(processes.running(first));  // the first entry is never ended
+    EXPECT_FALSE(processes.running(evil));
+    EXPECT_TRUE(processes.running(kept));
+    EXPECT_FALSE(processes.running(other));
+    EXPECT_TRUE(LogRecords().empty());  // kill mode logs no start
+}
+
+TEST_F(MemoryScanTest, KillModeOnlyEndsMemoryRows) {
+    Run("C:\\Apps\\first.exe");
+    const auto evil = Run("C:\\Apps\\evil.exe");
+    ScumListDetailsAdd("Evil", "FileSystem", "C:\\Apps\\", "evil.exe", "");
+    ScumListOfRun().setChecked(1, true);
+    Kill();
+    EXPECT_TRUE(processes.running(evil));
+}
+
+TEST_F(MemoryScanTest, KillModeOnNineXEndsEveryProcessWhosePathEndsInTheName) {
+    processes.setOsVersion(1, 4, 10);
+    auto run9x = [&](const std::string& path) { return processes.addProcess(path, path); };
+    const auto first = run9x("C:\\WINDOWS\\EXPLORER.EXE");
+    const auto app = run9x("C:\\APPS\\APP.EXE");
+    const auto myApp = run9x("C:\\OTHER\\MYAPP.EXE");
+    const auto clean = run9x("C:\\APPS\\CLEAN.EXE");
+    Check("App", "app.exe");
+    Kill();
+    EXPECT_TRUE(processes.running(first));
+    EXPECT_FALSE(processes.running(app));
+    EXPECT_FALSE(processes.running(myApp));
+    EXPECT_TRUE(processes.running(clean));
+}
+
+TEST_F(MemoryScanTest, KillAppReportsWhetherAnyMatchedAndIgnoresAnEmptyName) {
+    const auto app = processes.addProcess("C:\\Apps\\App.exe");
+    bool found = true;
+    clsRunProc().KillApp("none.exe", found);
+    EXPECT_FALSE(found);
+    clsRunProc().KillApp("", found);
+    EXPECT_FALSE(found);
+    EXPECT_TRUE(processes.running(app));
+    clsRunProc().KillApp("APP.EXE", found);
+    EXPECT_TRUE(found);
+    EXPECT_FALSE(processes.running(app));
+}
+
+TEST_F(MemoryScanTest, ProcessRefusingToEndStopsNothing) {
+    Run("C:\\Apps\\first.exe");
+    const auto guarded = Run("C:\\Apps\\evil.exe");
+    const auto second = Run("C:\\Apps\\bad.exe");
+    processes.protect(guarded);
+    Check("Evil", "evil.exe");
+    Check("Bad", "bad.exe");
+    Kill();
+    EXPECT_TRUE(processes.running(guarded));
+    EXPECT_FALSE(processes.running(second));
+}
+
+// ---------------------------------------------------------------------------------------
+// Surveillance agent
+
+TEST_F(MemoryScanTest, AgentIsKnownByEitherDigestOrElseByItsFolder) {
+    EXPECT_TRUE(IsSurveillanceAgentImage("29a38b50b102abc3b818100fc836868d", "C:\\Apps\\"));
+    EXPECT_TRUE(IsSurveillanceAgentImage("eed8e968a40f91e20800fee118d0b718", "C:\\Apps\\"));
+    EXPECT_FALSE(IsSurveillanceAgentImage("EED8E968A40F91E20800FEE118D0B718", "C:\\Apps\\"));
+    EXPECT_TRUE(IsSurveillanceAgentImage("", "C:\\Program Files\\SpyAgent4\\"));
+    EXPECT_FALSE(IsSurveillanceAgentImage("", "C:\\Program Files\\Spy Agent\\"));
+}
+
+TEST_F(MemoryScanTest, AgentInAFolderNamedAfterItIsEndedAndLoggedWithoutARow) {
+    Run("C:\\Apps\\first.exe");
+    files.addFolder("C:\\Program Files\\SpyAgent");
+    const auto agent = Run("C:\\Program Files\\SpyAgent\\sa.exe");
+    const auto gone = processes.addProcess("C:\\Program Files\\SpyAgent\\old.exe");
+    const auto other = Run("C:\\Apps\\editor.exe");
+    RemoveSurveillanceAgent();
+    EXPECT_FALSE(processes.running(agent));
+    EXPECT_FALSE(processes.running(gone));  // no image on the disk: the folder decides
+    EXPECT_TRUE(processes.running(other));
+    EXPECT_TRUE(Rows().empty());
+    EXPECT_EQ(LogRecords().size(), 2u);
+}
+
+TEST_F(MemoryScanTest, AgentAsFirstListedProcessIsPassedOver) {
+    files.addFolder("C:\\spyagent");
+    const auto agent = Run("C:\\spyagent\\sa.exe");
+    RemoveSurveillanceAgent();
+    EXPECT_TRUE(processes.running(agent));
+}
+
+TEST_F(MemoryScanTest, AgentOnNineXIsEndedByName) {
+    processes.setOsVersion(1, 4, 0);
+    processes.addProcess("C:\\WINDOWS\\EXPLORER.EXE", "C:\\WINDOWS\\EXPLORER.EXE");
+    const auto agent = processes.addProcess("C:\\SPYAGENT\\SA.EXE", "C:\\SPYAGENT\\SA.EXE");
+    RemoveSurveillanceAgent();
+    EXPECT_FALSE(processes.running(agent));
+}
+
+}  // namespace
+}  // namespace orvex
