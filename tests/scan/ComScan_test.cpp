@@ -1,0 +1,212 @@
+// ComScan_test.cpp: CLSIDs found as keys or value names in each component place, and
+// module-usage entries found by digest or by name.
+#include "scan/ComScan.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "logs/LogFixture.h"
+#include "platform/Md5.h"
+
+namespace orvex {
+namespace {
+
+using platform::Hive;
+
+const std::string kClsid = "{11111111-2222-3333-4444-555555555555}";
+const std::string kModuleUsage = "Software\\Microsoft\\Windows\\CurrentVersion\\moduleusage";
+const std::string kModuleUsageLocation = "HKEY_LOCAL_MACHINE\\" + kModuleUsage;
+
+class ComScanTest : public testing::LogTest {
+  protected:
+    ComScanTest() { ClsidIntialize(); }
+
+    void Locate(std::string clsid = kClsid, std::string threat = "BadBar") {
+        CLSIDLocate(clsid, threat);
+    }
+
+    static std::vector<std::pair<std::string, std::string>> Found() {
+        std::vector<std::pair<std::string, std::string>> rows;
+        for (const ScumRow& row : ScumListOfRun())
+            rows.emplace_back(row.location, row.category);
+        return rows;
+    }
+
+    static void Digests(std::vector<std::pair<std::string, std::string>> hashThreat) {
+        std::sort(hashThreat.begin(), hashThreat.end());
+        auto& index = Definitions().Md5Index;
+        index.Items.assign(1, Md5Record{});
+        for (const auto& [hash, threat] : hashThreat)
+            index.Items.push_back({threat, static_cast<std::int16_t>(hash[0]), hash});
+        index.Count = static_cast<std::int32_t>(hashThreat.size());
+    }
+
+    static void Names(std::vector<std::pair<std::string, std::string>> nameThreat) {
+        std::sort(nameThreat.begin(), nameThreat.end());
+        auto& index = Definitions().FileIndex;
+        index.Items.assign(1, FileRecord{});
+        for (const auto& [name, threat] : nameThreat)
+            index.Items.push_back({threat, name});
+        index.Count = static_cast<std::int32_t>(nameThreat.size());
+        Definitions().FileDefs.Count = index.Count;
+    }
+
+    void ModuleEntry(const std::string& name) {
+        registry.addKey(Hive::LocalMachine, kModuleUsage + "\\" + name);
+    }
+};
+
+TEST_F(ComScanTest, TableHoldsTheTwentyOnePlacesInOrder) {
+    EXPECT_EQ(ComKeyTable[0].path, "CLSID");
+    EXPECT_EQ(ComKeyTable[0].rootName, "HKEY_CLASSES_ROOT");
+    EXPECT_EQ(ComKeyTable[1].path, "");
+    EXPECT_EQ(ComKeyTable[8].root, Hive::LocalMachine);
+    EXPECT_EQ(ComKeyTable[9].root, Hive::CurrentUser);
+    EXPECT_EQ(ComKeyTable[16].path, "SOFTWARE\\Microsoft\\Internet Explorer\\Toolbar");
+    EXPECT_EQ(ComKeyTable[20].rootName, "HKEY_CURRENT_USER");
+    EXPECT_EQ(ComKeyTable[20].path, "software\\classes\\appid");
+}
+
+TEST_F(ComScanTest, EachPlaceReportsAKeyUnderItsOwnLocation) {
+    for (const ComKeyRow& place : std::vector<ComKeyRow>(ComKeyTable.begin(), ComKeyTable.end())) {
+        SCOPED_TRACE(place.rootName + "\\" + place.path);
+        ScumListOfRun().clear();
+        const std::string key = place.path.empty() ? kClsid : place.path + "\\" + kClsid;
+        registry.addKey(place.root, key);
+        Locate();
+        const std::vector<std::pair<std::string, std::string>> expected = {
+            {place.rootName + "\\" + place.path + "\\", "Registry(Key)"}};
+        EXPECT_EQ(Found(), expected);
+        registry.removeKey(place.root, key);
+    }
+}
+
+TEST_F(ComScanTest, RootPlaceKeepsTheEmptyPathInTheLocation) {
+    registry.addKey(Hive::ClassesRoot, kClsid);
+    Locate();
+    ASSERT_EQ(ScumListOfRun().count(), 1);
+    const ScumRow& row = ScumListOfRun().row(1);
+    EXPECT_EQ(row.location, "HKEY_CLASSES_ROOT\\\\");
+    EXPECT_EQ(row.item, kClsid);
+    EXPECT_EQ(row.name, "BadBar");
+}
+
+TEST_F(ComScanTest, KeyUnderTwoPlacesGivesTwoRows) {
+    registry.addKey(Hive::ClassesRoot, "CLSID\\" + kClsid);
+    registry.addKey(Hive::LocalMachine, "SOFTWARE\\Classes\\CLSID\\" + kClsid);
+    Locate();
+    const std::vector<std::pair<std::string, std::string>> expected = {
+        {"HKEY_CLASSES_ROOT\\CLSID\\", "Registry(Key)"},
+        {"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\CLSID\\", "Registry(Key)"}};
+    EXPECT_EQ(Found(), expected);
+}
+
+TEST_F(ComScanTest, ValueNameIsFoundAndAKeyOfTheSameNameWins) {
+    const std::string toolbar = "SOFTWARE\\Microsoft\\Internet Explorer\\Toolbar";
+    registry.setString(Hive::LocalMachine, toolbar, kClsid, "bar");
+    registry.setString(Hive::CurrentUser, "SOFTWARE", kClsid, "x");
+    registry.addKey(Hive::CurrentUser, "SOFTWARE\\" + kClsid);
+    Locate();
+    const std::vector<std::pair<std::string, std::string>> expected = {
+        {"HKEY_CURRENT_USER\\SOFTWARE\\", "Registry(Key)"},
+        {"HKEY_LOCAL_MACHINE\\" + toolbar + "\\", "Registry(Value)"}};
+    EXPECT_EQ(Found(), expected);
+}
+
+TEST_F(ComScanTest, ValueDataDecidesByItsTextForm) {
+    const std::string toolbar = "SOFTWARE\\Microsoft\\Internet Explorer\\Toolbar";
+    registry.setString(Hive::LocalMachine, toolbar, kClsid, "");
+    registry.setBinary(Hive::LocalMachine, "SOFTWARE", kClsid, "");
+    registry.setDword(Hive::CurrentUser, "SOFTWARE", kClsid, 0);
+    Locate();
+    const std::vector<std::pair<std::string, std::string>> expected = {
+        {"HKEY_CURRENT_USER\\SOFTWARE\\", "Registry(Value)"}};
+    EXPECT_EQ(Found(), expected);
+}
+
+TEST_F(ComScanTest, EmptyClsidFindsNothing) {
+    registry.addKey(Hive::ClassesRoot, "CLSID\\Anything");
+    Locate("");
+    EXPECT_EQ(ScumListOfRun().count(), 0);
+}
+
+TEST_F(ComScanTest, StopAtARowsYieldEndsTheWalkWithoutItsFinding) {
+    registry.addKey(Hive::ClassesRoot, "CLSID\\" + kClsid);
+    registry.addKey(Hive::ClassesRoot, kClsid);
+    registry.addKey(Hive::LocalMachine, "SOFTWARE\\" + kClsid);
+    host.AtYield(2, [] { App().StopRequested = VbTrue; });
+    Locate();
+    const std::vector<std::pair<std::string, std::string>> expected = {
+        {"HKEY_CLASSES_ROOT\\CLSID\\", "Registry(Key)"}};
+    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(host.Yields(), 2);
+}
+
+TEST_F(ComScanTest, ExtractFileNameSpecialCases) {
+    EXPECT_EQ(ExtractFileNameSpecial("c:/windows/system/x.dll"), "x.dll");
+    EXPECT_EQ(ExtractFileNameSpecial("c:/windows/"), "");
+    EXPECT_EQ(ExtractFileNameSpecial("Module \\rest"), "Module");
+    EXPECT_EQ(ExtractFileNameSpecial("ab\\c"), "a");
+    EXPECT_EQ(ExtractFileNameSpecial("\\leading"), "");
+    EXPECT_EQ(ExtractFileNameSpecial("plain.dll"), "plain.dll");
+    EXPECT_EQ(ExtractFileNameSpecial(""), "");
+}
+
+TEST_F(ComScanTest, ModuleUsageMissingKeyIsNoFailure) {
+    Names({{"x.dll", "Bad"}});
+    EnumerateSpecialKeys();
+    EXPECT_EQ(ScumListOfRun().count(), 0);
+    EXPECT_FALSE(files.exists(kErrorLog));
+}
+
+TEST_F(ComScanTest, ModuleUsageEntryWhoseFileHasGoneIsFoundByNameUnderEachThreat) {
+    ModuleEntry("c:/windows/system/BAD.dll");
+    ModuleEntry("c:/windows/system/good.dll");
+    Names({{"bad.dll", "One"}, {"bad.dll", "Two"}, {"other.dll", "Three"}});
+    EnumerateSpecialKeys();
+    ASSERT_EQ(ScumListOfRun().count(), 2);
+    for (const ScumRow& row : ScumListOfRun()) {
+        EXPECT_EQ(row.location, kModuleUsageLocation);
+        EXPECT_EQ(row.item, "c:/windows/system/BAD.dll");
+        EXPECT_EQ(row.category, "Registry(Key)");
+    }
+    EXPECT_EQ(ScumListOfRun().row(1).name, "One");
+    EXPECT_EQ(ScumListOfRun().row(2).name, "Two");
+}
+
+TEST_F(ComScanTest, ModuleUsageDigestHitWinsOverTheName) {
+    files.addFile("C:\\Win\\bad.dll", "payload");
+    ModuleEntry("C:/Win/bad.dll");
+    Digests({{platform::Md5Hex("payload"), "ByHash"}, {"00000000000000000000000000000000", "Z"}});
+    Names({{"bad.dll", "ByName"}});
+    EnumerateSpecialKeys();
+    ASSERT_EQ(ScumListOfRun().count(), 1);
+    EXPECT_EQ(ScumListOfRun().row(1).name, "ByHash");
+    EXPECT_EQ(ScumListOfRun().row(1).item, "C:/Win/bad.dll");
+    EXPECT_EQ(ScumListOfRun().row(1).location, kModuleUsageLocation);
+}
+
+TEST_F(ComScanTest, ModuleUsageNamesAboveAsciiAreLowerCasedAsAnsi) {
+    ModuleEntry("c:/x/\xC9VIL.dll");
+    Names({{"\xE9vil.dll", "Accent"}});
+    EnumerateSpecialKeys();
+    ASSERT_EQ(ScumListOfRun().count(), 1);
+    EXPECT_EQ(ScumListOfRun().row(1).name, "Accent");
+}
+
+TEST_F(ComScanTest, ModuleUsageStopInTheDigestWalkEndsEverything) {
+    files.addFile("C:\\Win\\a.dll", "a");
+    ModuleEntry("C:/Win/a.dll");
+    ModuleEntry("c:/gone/b.dll");
+    std::string hash = platform::Md5Hex("a");
+    Digests({{hash, "A"}});
+    Names({{"a.dll", "NameA"}, {"b.dll", "NameB"}});
+    host.AtYield(1, [] { App().StopRequested = VbTrue; });
+    EnumerateSpecialKeys();
+    EXPECT_EQ(ScumListOfRun().count(), 0);
+}
+
+}  // namespace
+}  // namespace orvex

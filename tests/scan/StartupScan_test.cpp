@@ -1,0 +1,230 @@
+// StartupScan_test.cpp: Run values judged by name, by file and by digest on both roots,
+// Uninstall subkeys by name, SharedDlls entries by digest and by bare name, and stops.
+#include "scan/StartupScan.h"
+
+#include <algorithm>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "logs/LogFixture.h"
+#include "platform/Md5.h"
+#include "scan/ScanPage.h"
+
+namespace orvex {
+namespace {
+
+using platform::Hive;
+
+const std::string kRun = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run";
+const std::string kHklmRun = "HKEY_LOCAL_MACHINE\\" + kRun;
+const std::string kHkcuRun = "HKEY_CURRENT_USER\\" + kRun;
+const std::string kUninstall = "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
+const std::string kShared = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDlls";
+
+// location, item, threat
+using Row = std::tuple<std::string, std::string, std::string>;
+
+class StartupScanTest : public testing::LogTest {
+  protected:
+    static std::vector<Row> Found() {
+        std::vector<Row> rows;
+        for (const ScumRow& row : ScumListOfRun())
+            rows.emplace_back(row.location, row.item, row.name);
+        return rows;
+    }
+
+    static void Lines(TextTable& table, std::initializer_list<std::string> lines) {
+        for (const auto& line : lines)
+            AppendLine(table, line);
+    }
+
+    static void Digests(std::vector<std::pair<std::string, std::string>> hashThreat) {
+        std::sort(hashThreat.begin(), hashThreat.end());
+        auto& index = Definitions().Md5Index;
+        index.Items.assign(1, Md5Record{});
+        for (const auto& [hash, threat] : hashThreat)
+            index.Items.push_back({threat, static_cast<std::int16_t>(hash[0]), hash});
+        index.Count = static_cast<std::int32_t>(hashThreat.size());
+    }
+
+    static void Names(std::vector<std::pair<std::string, std::string>> nameThreat) {
+        std::sort(nameThreat.begin(), nameThreat.end());
+        auto& index = Definitions().FileIndex;
+        index.Items.assign(1, FileRecord{});
+        for (const auto& [name, threat] : nameThreat)
+            index.Items.push_back({threat, name});
+        index.Count = static_cast<std::int32_t>(nameThreat.size());
+        Definitions().FileDefs.Count = index.Count;
+    }
+
+    void RunValue(Hive root, const std::string& name, const std::string& data) {
+        registry.setString(root, kRun, name, data);
+    }
+
+    // A file whose digest the definitions list under `threat`.
+    void ListedFile(const std::string& path, const std::string& threat) {
+        files.addFile(path, "payload of " + path);
+        hashes_.emplace_back(platform::Md5Hex("payload of " + path), threat);
+        Digests(hashes_);
+    }
+
+  private:
+    std::vector<std::pair<std::string, std::string>> hashes_;
+};
+
+TEST_F(StartupScanTest, ValueNameOrThreatNameReportsTheRunValueOnEitherRoot) {
+    RunValue(Hive::LocalMachine, "Updater", "c:\\gone\\upd.exe");
+    RunValue(Hive::CurrentUser, "BadThing", "");
+    RunValue(Hive::CurrentUser, "Harmless", "c:\\ok.exe");
+    Lines(Definitions().StartupDefs, {"Spy|updater", "no bar here", "BadThing|other.exe"});
+    StartupRegistry();
+    const std::vector<Row> expected = {{kHklmRun, "Updater", "Spy"},
+                                       {kHkcuRun, "BadThing", "BadThing"}};
+    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(App().ItemsScanned, 3);
+    EXPECT_EQ(frmscan().lbl3.Caption, "Files checked: 3");
+}
+
+TEST_F(StartupScanTest, QuotedCommandWithSwitchIsJudgedAsItsFile) {
+    ListedFile("C:\\a b\\x.exe", "HashThreat");
+    RunValue(Hive::LocalMachine, "Runner", "\"C:\\a b\\x.exe\" /s");
+    Lines(Definitions().StartupDefs, {"FileThreat|X.EXE"});
+    StartupRegistry();
+    // The definition line found it first, so the digest walk is not taken.
+    const std::vector<Row> expected = {{kHklmRun, "Runner", "FileThreat"}};
+    EXPECT_EQ(Found(), expected);
+}
+
+TEST_F(StartupScanTest, FileNameHitThatTheFileTestRejectsSettlesTheLine) {
+    files.addFile("C:\\x.exe", "clean");
+    RunValue(Hive::LocalMachine, "Runner", "C:\\x.exe");
+    Lines(Definitions().StartupDefs, {"Runner|x.exe"});
+    StartupRegistry();
+    EXPECT_TRUE(Found().empty());
+}
+
+TEST_F(StartupScanTest, Rundll32EntryIsHashedAsTheDll) {
+    ListedFile("c:\\x\\y.dll", "DllThreat");
+    RunValue(Hive::CurrentUser, "Loader", "RUNDLL32.EXE c:\\x\\y.dll,Start");
+    StartupRegistry();
+    const std::vector<Row> expected = {{kHkcuRun, "Loader", "DllThreat"}};
+    EXPECT_EQ(Found(), expected);
+}
+
+TEST_F(StartupScanTest, SlashInAFolderNameCutsThePath) {
+    ListedFile("C:\\a/b\\x.exe", "HashThreat");
+    RunValue(Hive::LocalMachine, "Runner", "C:\\a/b\\x.exe");
+    Lines(Definitions().StartupDefs, {"T|x.exe"});
+    StartupRegistry();
+    EXPECT_TRUE(Found().empty());
+}
+
+TEST_F(StartupScanTest, ShortNamesAreLengthenedPerRootInItsOwnOrder) {
+    ListedFile("C:\\Program Files\\LongFileName.exe", "HashThreat");
+    const std::string shortName = files.shortPath("C:\\Program Files\\LongFileName.exe");
+    ASSERT_NE(shortName.find('~'), std::string::npos);
+    Lines(Definitions().StartupDefs, {"NameThreat|longfilename.exe"});
+    // Quoted: the first root tries the long form of the quoted text, which fails, so only
+    // the digest knows the file; the second root unquotes first and sees the long name.
+    RunValue(Hive::LocalMachine, "Quoted", "\"" + shortName + "\"");
+    RunValue(Hive::LocalMachine, "Bare", shortName);
+    RunValue(Hive::CurrentUser, "Quoted", "\"" + shortName + "\"");
+    StartupRegistry();
+    const std::vector<Row> expected = {{kHklmRun, "Quoted", "HashThreat"},
+                                       {kHklmRun, "Bare", "NameThreat"},
+                                       {kHkcuRun, "Quoted", "NameThreat"}};
+    EXPECT_EQ(Found(), expected);
+}
+
+TEST_F(StartupScanTest, EveryMatchingLineReportsAndTheDigestWalkWaitsForNone) {
+    ListedFile("C:\\t\\evil.exe", "HashThreat");
+    RunValue(Hive::LocalMachine, "Evil", "C:\\t\\evil.exe");
+    Lines(Definitions().StartupDefs, {"One|evil", "Two|other", "Evil|x"});
+    StartupRegistry();
+    const std::vector<Row> expected = {{kHklmRun, "Evil", "One"}, {kHklmRun, "Evil", "Evil"}};
+    EXPECT_EQ(Found(), expected);
+}
+
+TEST_F(StartupScanTest, OddDataTypesAndNamesNeverStopTheWalk) {
+    registry.setDword(Hive::LocalMachine, kRun, "Number", 7);
+    registry.setBinary(Hive::LocalMachine, kRun, "Bytes", std::string("\x01\x00\xff", 3));
+    registry.setString(Hive::LocalMachine, kRun, "/", "/");
+    registry.setString(Hive::LocalMachine, kRun, "\xC9t\xE9", "~~~");
+    RunValue(Hive::CurrentUser, "Last", "c:\\nothing.exe");
+    Lines(Definitions().StartupDefs, {"Accent|\xE9T\xC9", "LastOne|last"});
+    StartupRegistry();
+    const std::vector<Row> expected = {{kHklmRun, "\xC9t\xE9", "Accent"},
+                                       {kHkcuRun, "Last", "LastOne"}};
+    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(App().ItemsScanned, 5);
+}
+
+TEST_F(StartupScanTest, StopInTheSecondRootsWalkEndsTheScanAndAnEarlierStopIsCleared) {
+    RunValue(Hive::LocalMachine, "A", "");
+    RunValue(Hive::CurrentUser, "C", "");
+    RunValue(Hive::CurrentUser, "D", "");
+    Lines(Definitions().StartupDefs, {"T|a", "T|c", "T|d"});
+    App().StopRequested = VbTrue;
+    // Yields 1 to 4 are A's and its three lines; 5 is C's, 6 C's first line.
+    host.AtYield(6, [] { App().StopRequested = VbTrue; });
+    StartupRegistry();
+    const std::vector<Row> expected = {{kHklmRun, "A", "T"}};
+    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(App().ItemsScanned, 2);
+}
+
+TEST_F(StartupScanTest, UninstallSubkeysAreFoundUnderEachListingThreat) {
+    registry.addKey(Hive::LocalMachine, kUninstall + "\\BadToolbar");
+    registry.addKey(Hive::LocalMachine, kUninstall + "\\Editor");
+    Lines(Definitions().AddRemoveDefs, {"One|badtoolbar", "bare line", "Two|BadToolbar"});
+    AddRemoveRegistry();
+    const std::string location = "HKEY_LOCAL_MACHINE\\" + kUninstall;
+    const std::vector<Row> expected = {{location, "badtoolbar", "One"},
+                                       {location, "BadToolbar", "Two"}};
+    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(App().ItemsScanned, 2);
+    EXPECT_EQ(frmscan().lbl3.Caption, "Files checked: 2");
+}
+
+TEST_F(StartupScanTest, UninstallStopInTheDefinitionWalkEndsEverything) {
+    registry.addKey(Hive::LocalMachine, kUninstall + "\\First");
+    registry.addKey(Hive::LocalMachine, kUninstall + "\\Second");
+    Lines(Definitions().AddRemoveDefs, {"T|first", "T|second"});
+    host.AtYield(1, [] { App().StopRequested = VbTrue; });
+    AddRemoveRegistry();
+    EXPECT_TRUE(Found().empty());
+    EXPECT_EQ(App().ItemsScanned, 1);
+}
+
+TEST_F(StartupScanTest, SharedDllsByDigestThenByBareName) {
+    ListedFile("C:\\Win\\hashed.dll", "ByHash");
+    registry.setDword(Hive::LocalMachine, kShared, "C:\\Win\\hashed.dll", 1);
+    registry.setDword(Hive::LocalMachine, kShared, "C:\\Gone\\NAMED.dll", 1);
+    registry.setDword(Hive::LocalMachine, kShared, "C:\\Win\\clean.dll", 1);
+    registry.setDword(Hive::LocalMachine, kShared, "C:\\Win\\", 1);
+    Names({{"hashed.dll", "ByName"}, {"named.dll", "NameOne"}, {"named.dll", "NameTwo"}});
+    SharedDLLRegistry();
+    const std::string location = "HKEY_LOCAL_MACHINE\\" + kShared;
+    // No [Exclusion] line holds these names: the listed name alone is the finding.
+    const std::vector<Row> expected = {{location, "C:\\Win\\hashed.dll", "ByHash"},
+                                       {location, "C:\\Gone\\NAMED.dll", "NameOne"},
+                                       {location, "C:\\Gone\\NAMED.dll", "NameTwo"}};
+    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(App().ItemsScanned, 4);
+}
+
+TEST_F(StartupScanTest, SharedDllsStopAtTheNameWalk) {
+    registry.setDword(Hive::LocalMachine, kShared, "C:\\a.dll", 1);
+    registry.setDword(Hive::LocalMachine, kShared, "C:\\b.dll", 1);
+    Names({{"a.dll", "A"}, {"b.dll", "B"}});
+    App().StopRequested = VbTrue;
+    host.AtYield(1, [] { App().StopRequested = VbTrue; });
+    SharedDLLRegistry();
+    EXPECT_TRUE(Found().empty());
+    EXPECT_EQ(App().ItemsScanned, 1);
+}
+
+}  // namespace
+}  // namespace orvex
