@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,13 +51,13 @@ bool SameText(const std::string& a, const std::string& b) {
     return StrComp(a, b, Compare::Text) == 0;
 }
 
-// The definition lines of a text table, in file order.
-std::vector<std::string> Lines(const TextTable& table) {
-    const std::int64_t count = std::min<std::int64_t>(table.Count, table.UBound() + 1);
-    std::vector<std::string> lines;
-    for (std::int64_t i = 0; i < count; ++i)
-        lines.push_back(table[static_cast<std::size_t>(i)]);
-    return lines;
+// The "threat|name" fields of a definition line; std::nullopt for a line past the table's
+// lines (it may have been reloaded during a yield) or a line without "|".
+std::optional<std::vector<std::string>> DefinitionLine(const TextTable& table, std::int64_t i) {
+    if (i >= table.Count || !table.InRange(i)) return std::nullopt;
+    std::vector<std::string> fields = Split(table[static_cast<std::size_t>(i)], "|");
+    if (fields.size() < 2) return std::nullopt;
+    return fields;
 }
 
 // The long form of a short name; a long form that comes out shorter (unresolved) is none.
@@ -110,14 +111,15 @@ bool LineNamesValue(const std::string& threat, const std::string& name, const Ru
 // False when a stop request ended the scan.
 bool ScanRunValue(const RunValue& value, Hive root, const std::string& location) {
     bool found = false;
-    for (const std::string& line : Lines(Definitions().StartupDefs)) {
+    const TextTable& defs = Definitions().StartupDefs;
+    for (std::int64_t i = 0; i < defs.Count; ++i) {
         ui::DoEvents();
         if (root == Hive::CurrentUser && Stopped()) return false;
-        const std::vector<std::string> fields = Split(line, "|");
-        if (fields.size() < 2) continue;
-        if (LineNamesValue(fields[0], fields[1], value)) {
+        const auto fields = DefinitionLine(defs, i);
+        if (!fields) continue;
+        if (LineNamesValue((*fields)[0], (*fields)[1], value)) {
             found = true;
-            Report(location, value.valueName, fields[0], "Registry(Value)");
+            Report(location, value.valueName, (*fields)[0], "Registry(Value)");
         }
     }
     if (found) return true;
@@ -143,12 +145,13 @@ bool ScanRunKey(Hive root, FileHelper& files) {
 
 // False when a stop request ended the scan.
 bool ScanUninstallEntry(const std::string& subkey, const std::string& location) {
-    for (const std::string& line : Lines(Definitions().AddRemoveDefs)) {
+    const TextTable& defs = Definitions().AddRemoveDefs;
+    for (std::int64_t i = 0; i < defs.Count; ++i) {
         ui::DoEvents();
         if (Stopped()) return false;
-        const std::vector<std::string> fields = Split(line, "|");
-        if (fields.size() < 2) continue;
-        if (SameText(fields[1], subkey)) Report(location, fields[1], fields[0], "Registry(Key)");
+        const auto fields = DefinitionLine(defs, i);
+        if (fields && SameText((*fields)[1], subkey))
+            Report(location, (*fields)[1], (*fields)[0], "Registry(Key)");
     }
     return true;
 }
@@ -164,6 +167,7 @@ bool ReportListedSharedName(const std::string& fileName, const std::string& path
     for (std::int64_t i = 0; i <= last; ++i) {
         ui::DoEvents();
         if (Stopped()) return false;
+        if (!index.InRange(i)) break;
         const FileRecord& record = index[static_cast<std::size_t>(i)];
         if (!record.FileName.empty()) rowFirst = Asc(LCase(record.FileName.substr(0, 1)));
         if (first < rowFirst) break;
