@@ -1,0 +1,225 @@
+// RegistryScan_test.cpp: the registry table walk (first line passed over, field counts,
+// root names), value and key tests with the shapes of their findings, the stop button
+// during the stage, and removeChr34.
+#include "scan/RegistryScan.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "core/AppState.h"
+#include "core/Config.h"
+#include "definitions/DefinitionTables.h"
+#include "scan/Recorder.h"
+#include "scan/ScanPage.h"
+#include "support/MemoryFixture.h"
+#include "ui/Form.h"
+#include "ui/HeadlessHost.h"
+
+namespace orvex {
+namespace {
+
+using platform::Hive;
+
+constexpr std::uint32_t kHklm = 0x80000002u;
+constexpr std::uint32_t kPerformanceData = 0x80000004u;
+
+class RegistryScanTest : public testing::MemoryPlatformTest {
+  protected:
+    RegistryScanTest() : hostGuard_(host) {
+        ui::ResetForms();
+        Definitions() = DefinitionTables{};
+        ScumListOfRun().clear();
+        List1OfRun().Clear();
+        files.addFolder("C:\\Orvex");
+        App().AppPath = "C:\\Orvex";
+        App().DataFolder = "C:\\Orvex\\";
+        LngArray()[379] = "Registry items: ";
+    }
+    ~RegistryScanTest() override {
+        ui::ResetForms();
+        Definitions() = DefinitionTables{};
+        ScumListOfRun().clear();
+        List1OfRun().Clear();
+    }
+
+    static void RegistryDefs(const std::vector<std::string>& lines) {
+        for (const auto& line : lines)
+            AppendLine(Definitions().RegistryDefs, line);
+    }
+    static const ScumList& Rows() { return ScumListOfRun(); }
+    static std::vector<std::string> Locations() {
+        std::vector<std::string> out;
+        for (const ScumRow& row : Rows())
+            out.push_back(row.location + " :: " + row.item + " :: " + row.name);
+        return out;
+    }
+
+    ui::HeadlessHost host;
+
+  private:
+    ui::ScopedHost hostGuard_;
+};
+
+// ---------------------------------------------------------------------------------------
+// Root names
+
+TEST_F(RegistryScanTest, RootNamesReadExactlyAndPerformanceDataIsNeverWritten) {
+    EXPECT_EQ(RootHandleFromName("HKEY_CLASSES_ROOT"), 0x80000000u);
+    EXPECT_EQ(RootHandleFromName("HKEY_DYN_DATA"), 0x80000006u);
+    EXPECT_EQ(RootHandleFromName("HKEY_PERFORMANCE_DATA"), kPerformanceData);
+    EXPECT_EQ(RootHandleFromName("hkey_local_machine"), 0u);
+    EXPECT_EQ(RootHandleFromName("HKLM"), 0u);
+    EXPECT_EQ(RootNameFromHandle(kHklm), "HKEY_LOCAL_MACHINE");
+    EXPECT_EQ(RootNameFromHandle(0x80000005u), "HKEY_CURRENT_CONFIG");
+    EXPECT_EQ(RootNameFromHandle(kPerformanceData), "");
+    EXPECT_EQ(RootNameFromHandle(0), "");
+}
+
+// ---------------------------------------------------------------------------------------
+// Key tests
+
+TEST_F(RegistryScanTest, KeyTestWritesParentWithBackslashAndLastComponent) {
+    registry.addKey(Hive::LocalMachine, "Software\\a\\b");
+    RegistryCheck(kHklm, "Software\\a\\b", "", "Threat");
+    RegistryCheck(kHklm, "Software\\a\\missing", "", "Missing");
+    ASSERT_EQ(Rows().count(), 1);
+    EXPECT_EQ(Rows().row(1).category, "Registry(Key)");
+    EXPECT_EQ(Rows().row(1).location, "HKEY_LOCAL_MACHINE\\Software\\a\\");
+    EXPECT_EQ(Rows().row(1).item, "b");
+    EXPECT_EQ(Rows().row(1).name, "Threat");
+}
+
+TEST_F(RegistryScanTest, KeyTestFindsNothingWithoutRootNameKeyOrBackslash) {
+    registry.addKey(Hive::PerformanceData, "Software\\x");
+    registry.addKey(Hive::LocalMachine, "Toplevel");
+    RegistryCheck(kPerformanceData, "Software\\x", "", "Perf");
+    RegistryCheck(0x80000000u, "", "", "TSADBOT");
+    RegistryCheck(kHklm, "Toplevel", "", "NoBackslash");  // fails in the cut, handled
+    RegistryCheck(0, "Software\\x", "", "NoRoot");
+    EXPECT_TRUE(Rows().empty());
+}
+
+// ---------------------------------------------------------------------------------------
+// Value tests
+
+TEST_F(RegistryScanTest, ValueTestMatchesDataOrNameIgnoringCaseOneRowPerValue) {
+    const char* key = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+    registry.setString(Hive::LocalMachine, key, "Updater", "C:\\Evil\\EVILBAR.exe /q");
+    registry.setString(Hive::LocalMachine, key, "EvilBar Helper", "C:\\clean.exe");
+    registry.setString(Hive::LocalMachine, key, "Clean", "C:\\clean.exe");
+    registry.setDword(Hive::LocalMachine, key, "Count", 7);
+    registry.setBinary(Hive::LocalMachine, key, "Blob", std::string("\0evilbar\xff", 9));
+    registry.setValue(Hive::LocalMachine, key, "Empty", platform::regtype::kSz, "");
+    RegistryCheck(kHklm, key, "evilbar", "EvilBar");
+    const std::string base = std::string("HKEY_LOCAL_MACHINE\\") + key + "|";
+    ASSERT_EQ(Rows().count(), 3);
+    EXPECT_EQ(Rows().row(1).category, "Registry(Value)");
+    EXPECT_EQ(Rows().row(1).location, base + "Updater");
+    EXPECT_EQ(Rows().row(1).item, "evilbar");
+    EXPECT_EQ(Rows().row(2).location, base + "EvilBar Helper");
+    EXPECT_EQ(Rows().row(3).location, base + "Blob");
+}
+
+TEST_F(RegistryScanTest, ValueTestOnPerformanceDataWritesALocationStartingWithBackslash) {
+    registry.setString(Hive::PerformanceData, "Counters", "x", "evil");
+    RegistryCheck(kPerformanceData, "Counters", "evil", "Perf");
+    ASSERT_EQ(Rows().count(), 1);
+    EXPECT_EQ(Rows().row(1).location, "\\Counters|x");
+}
+
+TEST_F(RegistryScanTest, ValueTestOnAMissingKeyFindsNothing) {
+    RegistryCheck(kHklm, "Software\\None", "evil", "Evil");
+    EXPECT_TRUE(Rows().empty());
+}
+
+// ---------------------------------------------------------------------------------------
+// The table walk
+
+TEST_F(RegistryScanTest, TableWalkPassesOverTheFirstLineAndCountsFields) {
+    registry.addKey(Hive::LocalMachine, "Software\\first");
+    registry.addKey(Hive::LocalMachine, "Software\\x");
+    registry.setString(Hive::CurrentUser, "Software\\v", "name", "has evil inside");
+    RegistryDefs({
+        "First|HKEY_LOCAL_MACHINE|Software\\first",
+        "Five|HKEY_LOCAL_MACHINE|Software\\x|y|z",
+        "Four|HKEY_CURRENT_USER|Software\\v|EVIL",
+        "",
+        "Kept|HKLM|Software\\x",  // unknown root: the handle of the line before
+        "Three|HKEY_LOCAL_MACHINE|Software\\missing",
+    });
+    ScumRegistry();
+    EXPECT_EQ(Locations(), (std::vector<std::string>{
+                               "HKEY_LOCAL_MACHINE\\Software\\ :: x :: Five",
+                               "HKEY_CURRENT_USER\\Software\\v|name :: EVIL :: Four",
+                           }));
+}
+
+TEST_F(RegistryScanTest, UnknownRootKeepsThePreviousLinesHandle) {
+    registry.addKey(Hive::CurrentUser, "Software\\x");
+    RegistryDefs({"", "A|HKEY_CURRENT_USER|Software\\none", "Kept|HKCU|Software\\x"});
+    ScumRegistry();
+    ASSERT_EQ(Rows().count(), 1);
+    EXPECT_EQ(Rows().row(1).location, "HKEY_CURRENT_USER\\Software\\");
+    EXPECT_EQ(Rows().row(1).name, "Kept");
+}
+
+TEST_F(RegistryScanTest, StageStartsAfreshAndCountsEveryLineAfterTheFirst) {
+    App().StopRequested = VbTrue;
+    App().ItemsScanned = 10;
+    RegistryDefs({"a|HKEY_LOCAL_MACHINE|Software\\a", "b|HKEY_LOCAL_MACHINE|Software\\b"});
+    ScumRegistry();
+    EXPECT_EQ(App().StopRequested, VbFalse);
+    // At least the CLSID table's empty element, line b and the registry table's empty
+    // element; the special scans may count items of their own.
+    EXPECT_GE(App().ItemsScanned, 10 + 3);
+    EXPECT_EQ(frmscan().lbl3.Caption, "Registry items: " + std::to_string(App().ItemsScanned));
+}
+
+TEST_F(RegistryScanTest, StopDuringTheTableWalkLeavesTheRestUntested) {
+    for (const char* key : {"Software\\a", "Software\\b", "Software\\c", "Software\\d"})
+        registry.addKey(Hive::LocalMachine, key);
+    RegistryDefs({"", "A|HKEY_LOCAL_MACHINE|Software\\a", "B|HKEY_LOCAL_MACHINE|Software\\b",
+                  "C|HKEY_LOCAL_MACHINE|Software\\c", "D|HKEY_LOCAL_MACHINE|Software\\d"});
+    // The stop is tested before a line's yields: pressed while C is read, C is still
+    // tested and D is not.
+    host.OnEveryYield([&](int) {
+        if (Rows().count() == 2) App().StopRequested = VbTrue;
+    });
+    ScumRegistry();
+    ASSERT_EQ(Rows().count(), 3);
+    EXPECT_EQ(Rows().row(3).name, "C");
+    EXPECT_EQ(App().StopRequested, VbTrue);
+}
+
+TEST_F(RegistryScanTest, HijackedDomainIsTheFirstThingTheStageLooksAt) {
+    registry.setString(Hive::LocalMachine, "SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Parameters",
+                       "Domain", config::kDomainHijackNameA);
+    host.Answer(ui::msgbox::kNo);
+    bool dialogBeforeTable = false;
+    registry.addKey(Hive::LocalMachine, "Software\\a");
+    RegistryDefs({"", "A|HKEY_LOCAL_MACHINE|Software\\a"});
+    host.OnEveryYield([&](int) {
+        if (!dialogBeforeTable) dialogBeforeTable = host.Messages().size() == 1;
+    });
+    ScumRegistry();
+    EXPECT_TRUE(dialogBeforeTable);
+    EXPECT_EQ(Rows().count(), 1);
+}
+
+// ---------------------------------------------------------------------------------------
+// removeChr34
+
+TEST_F(RegistryScanTest, RemoveChr34DropsOneQuoteAtEachEndWhenPresent) {
+    EXPECT_EQ(removeChr34("\"C:\\a b\\x.exe\""), "C:\\a b\\x.exe");
+    EXPECT_EQ(removeChr34("\"C:\\x.exe\" /run"), "C:\\x.exe\" /run");
+    EXPECT_EQ(removeChr34("C:\\x.exe\""), "C:\\x.exe");
+    EXPECT_EQ(removeChr34("\"\"x\"\""), "\"x\"");
+    EXPECT_EQ(removeChr34("\"\""), "");
+    EXPECT_EQ(removeChr34("\""), "\"");
+    EXPECT_EQ(removeChr34(""), "");
+}
+
+}  // namespace
+}  // namespace orvex
