@@ -1,8 +1,9 @@
 // Md5.cpp: MD5 through the Windows CNG (bcrypt).
 #include "platform/Md5.h"
 
-#include <bcrypt.h>
 #include <windows.h>
+// bcrypt.h needs the base types of windows.h first.
+#include <bcrypt.h>
 
 #include "core/Failure.h"
 
