@@ -4,6 +4,7 @@
 
 #include <new>
 #include <optional>
+#include <utility>
 
 #include "core/AppState.h"
 #include "core/DateText.h"
@@ -38,6 +39,11 @@ struct Pieces {
 std::string VersionPiece() {
     return std::to_string(kVersion.major) + "." + std::to_string(kVersion.minor) + "." +
            std::to_string(kVersion.revision);
+}
+
+Pieces GatherPieces(const std::string& location, const std::string& item, const std::string& name) {
+    std::string now = GeneralDate(Now());
+    return Pieces{location, item, name, VersionPiece(), App().DefinitionDate, std::move(now)};
 }
 
 std::string Opening(const Pieces& p) {
@@ -158,18 +164,16 @@ VbBool ScanLogWrite(std::string location, std::string item, std::string action, 
         action = kExcludedWord;
         result = VbFalse;
     }
-    // A failure from here on is silent: the file is closed and the finding goes
-    // unlisted.
+    // A failure from here on is silent: the file is closed and the finding goes unlisted.
     try {
         TextFile log = TextFile::ForAppend(LoggedTxtPath());
-        const Pieces pieces{location,          item, name, VersionPiece(), App().DefinitionDate,
-                            GeneralDate(Now())};
+        const Pieces pieces = GatherPieces(location, item, name);
         if (auto plain = RecordText(action, pieces)) log.Print(Encrypt(*plain, RecordKey(action)));
         ApplySideEffects(action, listIndex);
         log.Close();
         if (logOnly != VbTrue && !matched)
             ScumListDetailsAdd(name, category, location, item,
-                               action == "suspect" ? "Suspect" : "");
+                               action == "suspect" ? kLevelSuspect : "");
     } catch (const Failure&) {
     } catch (const std::bad_alloc&) {
     }
