@@ -11,6 +11,8 @@
 int main(int argc, char** argv) {
     using namespace orvex::cli;
     CLI::App app{"Orvex Sentry command line: scans, definitions and logs without windows."};
+    // Paths like "/work/x" must stay arguments on Windows too; subcommands inherit this.
+    app.allow_windows_style_options(false);
     app.require_subcommand(1);
     int exitCode = kExitClean;
     AddVersionCommand(app, exitCode);
