@@ -111,16 +111,6 @@ TEST_F(ScanLogTest, EachActionWordWritesItsRecordUnderTheLogKey) {
     }
 }
 
-TEST_F(ScanLogTest, RecordsAppendOneLineEachAndCreateTheFile) {
-    EXPECT_FALSE(files.exists(kLoggedTxt));
-    Write("Start M", VbTrue);
-    Write("found", VbTrue);
-    const std::string bytes = files.contents(kLoggedTxt);
-    EXPECT_TRUE(EndsWith(bytes, "<e\r\n"));
-    EXPECT_EQ(Split(bytes, "\r\n").size(), 3u);  // two lines and the empty text behind them
-    EXPECT_EQ(LoggedRecords().size(), 2u);
-}
-
 TEST_F(ScanLogTest, RenameAndManualRemovalTakeTheirKeyFromTheLanguage) {
     LngArray()[305] = "Xx";  // a language whose pieces differ from the log key's
     LngArray()[316] = "gKez";
