@@ -68,6 +68,9 @@ void AddDefsCommands(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<DefsOptions>();
     auto* defs = app.add_subcommand("defs", "Definition files for their authors");
     defs->require_subcommand(1);
+    // Paths are native: under Wine a build passes "/work/..." paths, which must not be
+    // taken for Windows-style options. Subcommands inherit the setting.
+    defs->allow_windows_style_options(false);
 
     auto* compile = defs->add_subcommand(
         "compile", "Encipher a plain source (one definition line per text line) into a .dat file");
