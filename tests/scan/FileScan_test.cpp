@@ -1,0 +1,217 @@
+// FileScan_test.cpp: judging one file (digest before name, the extension gate, the result
+// codes of the [Exclusion] lines, the program's own folder), the digest text, and the
+// folder walk: its order, its stops, vanished files and trees deeper than a call stack.
+#include "scan/FileScan.h"
+
+#include <string>
+#include <vector>
+
+#include "core/AppState.h"
+#include "platform/Md5.h"
+#include "scan/ScanFixture.h"
+#include "scan/ScanPage.h"
+
+namespace orvex {
+namespace {
+
+const std::string kBadBytes = "bytes of a known bad file";
+
+class FileScanTest : public testing::ScanTest {
+  protected:
+    FileScanTest() {
+        LoadDefinitions("Ver=11/22/2026\n[MD5]\n" + platform::Md5Hex(kBadBytes) +
+                        "|HashThreat\n[End]\n"
+                        "[Files]\n"
+                        "NameThreat|named.exe\nNameThreat|both.exe\nTextThreat|named.txt\n"
+                        "FirstThreat|twice.dll\nSecondThreat|twice.dll\n"
+                        "SuspectThreat|maybe.dat\nLoneThreat|unlisted.exe\n"
+                        "GoneThreat|gone.exe\nTildeThreat|tilde.exe\n[End]\n"
+                        "[Exclusion]\n"
+                        "named.exe|namethreat|||0|1\nboth.exe|namethreat|||0|1\n"
+                        "named.txt|textthreat|||3|0\ntwice.dll||||1|1\n"
+                        "maybe.dat|suspectthreat|||4|2\n"
+                        "gone.exe|gonethreat|<10||3|1\n"
+                        "tilde.exe|tildethreat||longfoldername|3|1\n[End]\n");
+    }
+
+    VbBool Judge(const std::string& name, const std::string& folder, VbBool testOnly = VbFalse) {
+        return ScumFile(name, folder, testOnly);
+    }
+};
+
+TEST_F(FileScanTest, JustExtTakesTheTextBehindTheLastDotInLowerCase) {
+    EXPECT_EQ(JustExt("Setup.EXE"), "exe");
+    EXPECT_EQ(JustExt("archive.tar.gz"), "gz");
+    EXPECT_EQ(JustExt("README"), "");
+    EXPECT_EQ(JustExt("ends."), "");
+    EXPECT_EQ(JustExt(".htaccess"), "htaccess");
+    EXPECT_EQ(JustExt(""), "");
+}
+
+TEST_F(FileScanTest, Md5FileReadsInChunksAndGivesLowerCaseHex) {
+    std::string big(300 * 1024 + 7, '\0');
+    for (std::size_t i = 0; i < big.size(); ++i)
+        big[i] = static_cast<char>(i * 31 % 251);
+    files.addFile("C:\\t\\big.bin", big);
+    files.addFile("C:\\t\\empty.bin", "");
+    EXPECT_EQ(MD5File("C:\\t\\big.bin"), platform::Md5Hex(big));
+    EXPECT_EQ(MD5File("C:\\t\\empty.bin"), "d41d8cd98f00b204e9800998ecf8427e");
+}
+
+TEST_F(FileScanTest, Md5FileOfAFileItCannotReadSaysFileNotFound) {
+    files.addFile("C:\\t\\locked.exe", kBadBytes);
+    files.lock("C:\\t\\locked.exe");
+    for (const std::string path :
+         {"C:\\t\\missing.exe", "C:\\nowhere\\x.exe", "C:\\t\\locked.exe", "Q:\\x.exe", "C:\\t"}) {
+        const std::string text = MD5File(path);
+        EXPECT_NE(text.find("FILE NOT FOUND"), std::string::npos) << path;
+        EXPECT_EQ(text.size(), 32u) << path;
+    }
+}
+
+TEST_F(FileScanTest, ADigestHitDecidesAloneAndIsConfirmed) {
+    files.addFile("C:\\t\\both.exe", kBadBytes);
+    EXPECT_EQ(Judge("both.exe", "C:\\t\\"), VbTrue);
+    ASSERT_EQ(Rows().size(), 1u);
+    EXPECT_EQ(Rows()[0].name, "HashThreat");
+    EXPECT_EQ(Rows()[0].level, "Confirmed");
+    EXPECT_EQ(Rows()[0].category, "FileSystem");
+    EXPECT_EQ(Rows()[0].location, "C:\\t\\");
+    EXPECT_EQ(Rows()[0].item, "both.exe");
+}
+
+TEST_F(FileScanTest, OnlyListedExtensionsAreHashed) {
+    files.addFile("C:\\t\\x.txt", kBadBytes);
+    files.addFile("C:\\t\\x.kwd", kBadBytes);
+    files.addFile("C:\\t\\named.txt", kBadBytes);
+    EXPECT_EQ(Judge("x.txt", "C:\\t\\"), VbFalse);
+    EXPECT_EQ(Judge("x.kwd", "C:\\t\\"), VbTrue);
+    // Not hashed, but its name still counts.
+    EXPECT_EQ(Judge("named.txt", "C:\\t\\"), VbTrue);
+    ASSERT_EQ(Rows().size(), 2u);
+    EXPECT_EQ(Rows()[0].item, "x.kwd");
+    EXPECT_EQ(Rows()[1].name, "TextThreat");
+}
+
+TEST_F(FileScanTest, TheResultCodesDecideWhatANameHitIs) {
+    for (const char* name : {"named.exe", "maybe.dat", "unlisted.exe", "twice.dll"})
+        files.addFile(std::string("C:\\t\\") + name, "harmless");
+    EXPECT_EQ(Judge("unlisted.exe", "C:\\t\\"), VbFalse);  // no [Exclusion] line: code 4
+    EXPECT_TRUE(Rows().empty());
+    // A test-only call still reports a suspect, but not a confirmed find.
+    EXPECT_EQ(Judge("named.exe", "C:\\t\\", VbTrue), VbTrue);
+    EXPECT_EQ(Judge("maybe.dat", "C:\\t\\", VbTrue), VbTrue);
+    ASSERT_EQ(Rows().size(), 1u);
+    EXPECT_EQ(Rows()[0].level, "Suspect");
+    EXPECT_EQ(Judge("named.exe", "C:\\t\\"), VbTrue);
+    EXPECT_EQ(Rows().back().level, "Confirmed");
+    // One name under two threats gives a row for each.
+    EXPECT_EQ(Judge("twice.dll", "C:\\t\\"), VbTrue);
+    ASSERT_EQ(Rows().size(), 4u);
+    EXPECT_EQ(Rows()[2].name, "FirstThreat");
+    EXPECT_EQ(Rows()[3].name, "SecondThreat");
+    // The name comparison is exact.
+    EXPECT_EQ(Judge("NAMED.EXE", "C:\\t\\"), VbFalse);
+}
+
+TEST_F(FileScanTest, TheProgramsOwnFolderIsNeverJudged) {
+    files.addFile("C:\\Program Files\\Orvex\\sub\\both.exe", kBadBytes);
+    EXPECT_EQ(Judge("both.exe", "c:\\program files\\ORVEX\\sub\\"), VbFalse);
+    EXPECT_EQ(Judge("named.exe", "C:\\Program Files\\Orvex\\"), VbFalse);
+    EXPECT_TRUE(Rows().empty());
+}
+
+TEST_F(FileScanTest, AShortFolderNameMeetsTheFolderTestInItsLongForm) {
+    files.addFile("C:\\LongFolderName\\tilde.exe", "x");
+    const std::string shortFolder = files.shortPath("C:\\LongFolderName") + "\\";
+    ASSERT_NE(shortFolder.find('~'), std::string::npos);
+    EXPECT_EQ(Judge("tilde.exe", shortFolder), VbTrue);
+    ASSERT_EQ(Rows().size(), 1u);
+    EXPECT_EQ(Rows()[0].location, shortFolder);
+}
+
+TEST_F(FileScanTest, TheWalkVisitsSubfoldersBeforeFilesAndCountsEachFile) {
+    LngArray()[706] = "Files checked: ";
+    for (const char* path : {"C:\\top\\z1.exe", "C:\\top\\b\\x.exe", "C:\\top\\a\\y.exe",
+                             "C:\\top\\a\\deeper\\w.exe", "C:\\top\\a\\plain.doc"})
+        files.addFile(path, kBadBytes);
+    colFiles().LoadFiles("c:", "\\top");
+    std::vector<std::string> found;
+    for (const ScumRow& row : Rows())
+        found.push_back(row.location + row.item);
+    EXPECT_EQ(found, (std::vector<std::string>{"c:\\top\\a\\deeper\\w.exe", "c:\\top\\a\\y.exe",
+                                               "c:\\top\\b\\x.exe", "c:\\top\\z1.exe"}));
+    EXPECT_EQ(App().ItemsScanned, 5);
+    EXPECT_EQ(frmscan().lbl3.Caption, "Files checked: 5");
+}
+
+TEST_F(FileScanTest, TheWalkGoesThroughResultCodesAndSkipsItsOwnFolder) {
+    for (const char* path : {"C:\\w\\named.exe", "C:\\w\\maybe.dat", "C:\\w\\unlisted.exe",
+                             "C:\\Program Files\\Orvex\\named.exe"})
+        files.addFile(path, "harmless");
+    colFiles().LoadFiles("C:", "");
+    ASSERT_EQ(Rows().size(), 2u);
+    EXPECT_EQ(Rows()[0].item, "maybe.dat");
+    EXPECT_EQ(Rows()[0].level, "Suspect");
+    EXPECT_EQ(Rows()[1].item, "named.exe");
+    EXPECT_EQ(Rows()[1].location, "C:\\w\\");
+}
+
+TEST_F(FileScanTest, FoldersThatCannotBeReadAreNothingToTheWalk) {
+    files.addFile("D:\\x\\both.exe", kBadBytes);
+    files.setDriveReady("D:\\", false);
+    colFiles walker;
+    walker.LoadFiles("d:", "");
+    walker.LoadFiles("c:", "\\no such folder");
+    walker.LoadFiles("c:", "\\Data\\ovsdef.dat");  // a file, not a folder
+    EXPECT_TRUE(Rows().empty());
+    EXPECT_EQ(App().ItemsScanned, 0);
+    EXPECT_EQ(walker.Count(), 0);
+}
+
+TEST_F(FileScanTest, AFileThatVanishesBeforeItsJudgmentHasNoDigestAndSizeZero) {
+    // 100 bytes fail the "<10" size test; once gone, its size counts as 0.
+    files.addFile("C:\\v\\gone.exe", std::string(100, 'x'));
+    colFiles().LoadFiles("C:", "\\v");
+    EXPECT_TRUE(Rows().empty());
+
+    // The yield before the file's judgment is the first of the walk (no subfolders).
+    host.AtYield(host.Yields() + 1, [&] { files.remove("C:\\v\\gone.exe"); });
+    colFiles().LoadFiles("C:", "\\v");
+    ASSERT_EQ(Rows().size(), 1u);
+    EXPECT_EQ(Rows()[0].name, "GoneThreat");
+}
+
+TEST_F(FileScanTest, AStopInMidFolderEndsTheWholeWalk) {
+    for (const char* path : {"C:\\s\\a\\f1.exe", "C:\\s\\a\\f2.exe", "C:\\s\\a\\f3.exe",
+                             "C:\\s\\b\\f4.exe", "C:\\s\\later.exe"})
+        files.addFile(path, kBadBytes);
+    host.OnEveryYield([&](int) {
+        if (ScumListOfRun().count() == 1) App().StopRequested = VbTrue;
+    });
+    colFiles().LoadFiles("C:", "\\s");
+    ASSERT_EQ(Rows().size(), 1u);
+    EXPECT_EQ(Rows()[0].item, "f1.exe");
+    EXPECT_EQ(App().ItemsScanned, 1);
+}
+
+TEST_F(FileScanTest, ATreeTenThousandLevelsDeepIsWalkedWithoutExhaustingTheStack) {
+    constexpr int kDepth = 10000;
+    std::string path = "C:\\deep";
+    std::vector<std::string> folders;
+    for (int i = 0; i < kDepth; ++i) {
+        path += "\\d";
+        folders.push_back(path);
+    }
+    files.addFile(path + "\\both.exe", kBadBytes);
+    colFiles().LoadFiles("C:", "\\deep");
+    ASSERT_EQ(Rows().size(), 1u);
+    EXPECT_EQ(Rows()[0].location, path + "\\");
+    // Taken down from the bottom, so that the memory back-end's own teardown stays shallow.
+    files.remove(path + "\\both.exe");
+    for (auto it = folders.rbegin(); it != folders.rend(); ++it)
+        files.remove(*it);
+}
+
+}  // namespace
+}  // namespace orvex
