@@ -54,12 +54,6 @@ TEST_F(AtomicFileTest, CreatesAMissingFileAndKeepsBytesAsTheyAre) {
     EXPECT_EQ(files.contents("C:\\App\\New.dat"), bytes + "\r\n");
 }
 
-TEST_F(AtomicFileTest, LargeContentArrivesWhole) {
-    const auto lines = ManyLines();
-    RewriteTextFile(kTarget, lines);
-    EXPECT_EQ(files.contents(kTarget).size(), lines.size() * 11);
-}
-
 TEST_F(AtomicFileTest, AWriteThatFailsHalfWayLeavesTheOldFile) {
     for (int nth : {1, 2, 3, 4}) {
         files.failWrite(nth, failure::kDiskFull);
@@ -97,15 +91,6 @@ TEST_F(AtomicFileTest, ATempLeftByACrashIsOverwritten) {
     RewriteTextFile(kTarget, {"new"});
     EXPECT_EQ(files.contents(kTarget), "new\r\n");
     EXPECT_FALSE(files.exists(AtomicFile::TempPathFor(kTarget)));
-}
-
-TEST_F(AtomicFileTest, AFileIsFinishedOnceCommittedOrFailed) {
-    AtomicFile file{kTarget};
-    file.Print("new");
-    file.Commit();
-    EXPECT_EQ(files.contents(kTarget), "new\r\n");
-    EXPECT_THROW(file.Print("more"), Failure);
-    EXPECT_EQ(files.contents(kTarget), "new\r\n");
 }
 
 }  // namespace
