@@ -114,7 +114,7 @@ TEST_F(StartupTest, WritesItsRegistryValuesAndFolders) {
     EXPECT_EQ(App().SystemFolder, system.systemFolder());
     EXPECT_EQ(App().UpdateBaseUrl, "http://update.orvexsentry.com/");
     EXPECT_FALSE(IsTrue(App().TestMode));
-    EXPECT_EQ(host.MousePointer(), ui::pointer::kHourglass);
+    EXPECT_EQ(host.MousePointer(), ui::pointer::kArrow);  // actions ends the busy time
     EXPECT_TRUE(frmmain().Visible);
 }
 
