@@ -212,7 +212,10 @@ void LoadRegistry(MemoryRegistry& tree, const json& doc) {
     }
     const json& hives = Field(doc, "hives");
     if (!hives.is_object()) throw Corrupt("\"hives\" is not an object");
-    for (const auto& [name, root] : hives.items()) {
+    for (const auto& item : hives.items()) {
+        // Named copies: clang 14 cannot capture structured bindings in a lambda.
+        const std::string name = item.key();
+        const json& root = item.value();
         auto known = std::find_if(std::begin(kHives), std::end(kHives),
                                   [&](const HiveName& h) { return name == h.name; });
         if (known == std::end(kHives)) throw Corrupt("an unknown hive " + name);
