@@ -10,6 +10,7 @@
 
 #include "logs/LogFixture.h"
 #include "platform/Md5.h"
+#include "scan/IndexPlanting.h"
 #include "scan/ScanPage.h"
 
 namespace orvex {
@@ -40,23 +41,11 @@ class StartupScanTest : public testing::LogTest {
             AppendLine(table, line);
     }
 
-    static void Digests(std::vector<std::pair<std::string, std::string>> hashThreat) {
-        std::sort(hashThreat.begin(), hashThreat.end());
-        auto& index = Definitions().Md5Index;
-        index.Items.assign(1, Md5Record{});
-        for (const auto& [hash, threat] : hashThreat)
-            index.Items.push_back({threat, static_cast<std::int16_t>(hash[0]), hash});
-        index.Count = static_cast<std::int32_t>(hashThreat.size());
+    static void Digests(testing::ThreatPairs hashThreat) {
+        testing::PlantDigests(std::move(hashThreat));
     }
-
-    static void Names(std::vector<std::pair<std::string, std::string>> nameThreat) {
-        std::sort(nameThreat.begin(), nameThreat.end());
-        auto& index = Definitions().FileIndex;
-        index.Items.assign(1, FileRecord{});
-        for (const auto& [name, threat] : nameThreat)
-            index.Items.push_back({threat, name});
-        index.Count = static_cast<std::int32_t>(nameThreat.size());
-        Definitions().FileDefs.Count = index.Count;
+    static void Names(testing::ThreatPairs nameThreat) {
+        testing::PlantNames(std::move(nameThreat));
     }
 
     void RunValue(Hive root, const std::string& name, const std::string& data) {
