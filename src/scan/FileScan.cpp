@@ -14,6 +14,7 @@
 #include "logs/ScanLog.h"
 #include "platform/Md5.h"
 #include "platform/Platform.h"
+#include "scan/DefinitionLookup.h"
 #include "scan/Recorder.h"
 #include "scan/ScanPage.h"
 #include "ui/UiHost.h"
@@ -93,54 +94,71 @@ struct WalkFrame {
     std::size_t next = 0;
 };
 
-// MD5 pass over Md5Index: true when the digest is listed.
-bool DigestListed(const std::string& md5, const std::string& fileName, const std::string& folder,
-                  VbBool testOnly) {
+// `count` records of a walk that neither hit nor end it: each is a stop test and a yield.
+// False when a stop request ended the walk.
+bool PassRecords(std::size_t count) {
+    if (count == 0) return true;
+    if (Stopped()) return false;
+    ui::DoEvents(static_cast<std::int64_t>(count), Stopped);
+    return !Stopped();
+}
+
+// MD5 pass over Md5Index: true when the digest is listed. The walk goes from the first
+// record until FirstChar passes the digest's first character; the lookup tells where the
+// hits and that end are, and the records between them are passed in bulk.
+bool DigestListed(const DefinitionLookup& lookup, const std::string& md5,
+                  const std::string& fileName, const std::string& folder, VbBool testOnly) {
     const auto& index = Definitions().Md5Index;
     const int first = Asc(md5);
+    const std::size_t end = lookup.DigestWalkEnd(first);
     bool recognised = false;
-    for (std::size_t i = 0; i < index.size(); ++i) {
-        if (Stopped()) return recognised;
-        const Md5Record& record = index[i];
-        if (first < record.FirstChar) break;
-        if (first == record.FirstChar && md5 == record.Hash) {
-            recognised = true;
-            if (!IsTrue(testOnly)) {
-                Report(folder, fileName, "found", record.Name);
-                break;
-            }
+    std::size_t at = 0;
+    for (const std::size_t hit : lookup.DigestHits(md5)) {
+        if (hit >= end || index[hit].FirstChar != first) continue;
+        if (!PassRecords(hit - at) || Stopped()) return recognised;
+        recognised = true;
+        if (!IsTrue(testOnly)) {
+            Report(folder, fileName, "found", index[hit].Name);
+            return true;
         }
         ui::DoEvents();
+        at = hit + 1;
     }
+    if (!PassRecords(end - at)) return recognised;
     return recognised;
 }
 
 // Name pass over FileIndex; each threat that lists the name and passes ExclusionRoutine
-// is reported. `recognised` carries the result so far.
-bool NameListed(const std::string& fileName, const std::string& folder, VbBool testOnly) {
+// is reported. A record yields before its first-character test, so the record that ends
+// the walk yields too.
+bool NameListed(const DefinitionLookup& lookup, const std::string& fileName,
+                const std::string& folder, VbBool testOnly) {
     const auto& index = Definitions().FileIndex;
     const int first = Asc(fileName);
-    const std::int64_t last = std::min<std::int64_t>(Definitions().FileDefs.Count, index.UBound());
-    int rowFirst = 0;
+    const std::size_t walked = static_cast<std::size_t>(std::max<std::int64_t>(
+        0, std::min<std::int64_t>(Definitions().FileDefs.Count, index.UBound()) + 1));
+    const std::size_t end = std::min(lookup.NameWalkEnd(first), walked);
     bool recognised = false;
-    for (std::int64_t i = 0; i <= last; ++i) {
-        if (Stopped()) return recognised;
-        ui::DoEvents();
-        const FileRecord& record = index[static_cast<std::size_t>(i)];
-        if (!record.FileName.empty()) rowFirst = Asc(record.FileName);
-        if (first < rowFirst) return recognised;
-        if (first != rowFirst || record.FileName != fileName) continue;
+    std::size_t at = 0;
+    for (const std::size_t hit : lookup.NameHits(fileName)) {
+        if (hit >= end) break;
+        if (!PassRecords(hit - at) || Stopped()) return recognised;
         ui::DoEvents();
         ui::DoEvents();
-        const std::int32_t code = ExclusionRoutine(fileName, folder, record.Name);
+        ui::DoEvents();
+        const std::string& threat = index[hit].Name;
+        const std::int32_t code = ExclusionRoutine(fileName, folder, threat);
         if (code == 0 || code == 1) {
             recognised = true;
-            if (!IsTrue(testOnly)) Report(folder, fileName, "found", record.Name);
+            if (!IsTrue(testOnly)) Report(folder, fileName, "found", threat);
         } else if (code == 2) {
             recognised = true;
-            Report(folder, fileName, "suspect", record.Name);
+            Report(folder, fileName, "suspect", threat);
         }
+        at = hit + 1;
     }
+    if (!PassRecords(end - at)) return recognised;
+    if (end < walked && !Stopped()) ui::DoEvents();
     return recognised;
 }
 
@@ -159,6 +177,7 @@ void colFiles::LoadFiles(const std::string& root, const std::string& relative,
     Procedure proc(kModule, "LoadFiles");
     proc.Run([&] {
         if (Stopped()) return;
+        const ScopedDefinitionLookup lookup;
         // Depth first, subfolders before files, on a stack of its own: a deep tree must
         // not exhaust the call stack.
         std::vector<WalkFrame> stack;
@@ -200,14 +219,15 @@ VbBool ScumFile(const std::string& fileName, const std::string& folder, VbBool t
     Procedure proc(kModule, "ScumFile");
     proc.Run([&] {
         if (InOwnFolder(folder)) return;
+        const ScopedDefinitionLookup scoped;
         if (IsHashed(JustExt(fileName))) {
             const std::string md5 = MD5File(folder + fileName);
             if (md5.find(kMd5FileNotFound) == std::string::npos)
-                recognised = DigestListed(md5, fileName, folder, testOnly);
+                recognised = DigestListed(scoped.Lookup(), md5, fileName, folder, testOnly);
             // An MD5 hit decides alone, and is always confirmed.
             if (recognised || Stopped()) return;
         }
-        recognised = NameListed(fileName, folder, testOnly);
+        recognised = NameListed(scoped.Lookup(), fileName, folder, testOnly);
     });
     return ToVb(recognised);
 }

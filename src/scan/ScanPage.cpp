@@ -19,6 +19,7 @@
 #include "platform/RegistryHelper.h"
 #include "review/DetailsPage.h"
 #include "review/ResultsPage.h"
+#include "scan/DefinitionLookup.h"
 #include "scan/FileScan.h"
 #include "scan/MemoryScan.h"
 #include "scan/RegistryScan.h"
@@ -157,6 +158,8 @@ void FrmScan::ScanItems() {
 
 // Each stage only while no stop is pending; a failing stage leaves the next to run.
 void FrmScan::RunScans(Procedure& proc) {
+    // The definitions stay as they are for the whole scan, so one lookup serves every file.
+    const ScopedDefinitionLookup lookup;
     Stage() = "memory";
     if (!Stopped())
         proc.Step([] {

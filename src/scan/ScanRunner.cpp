@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <functional>
+#include <utility>
 
 #include "core/AppState.h"
 #include "core/Config.h"
@@ -20,8 +23,37 @@
 namespace orvex {
 namespace {
 
-// Progress is reported every this many yields: a file costs several.
-constexpr int kProgressEvery = 64;
+// The progress line is redrawn at most this often.
+constexpr std::chrono::milliseconds kProgressInterval{100};
+
+// The headless host that also shows progress as the scan yields.
+class ProgressHost : public ui::HeadlessHost {
+  public:
+    using Progress = std::function<void(std::string_view, std::int32_t)>;
+    explicit ProgressHost(Progress progress) : progress_(std::move(progress)) {}
+
+    void DoEvents() override {
+        HeadlessHost::DoEvents();
+        Tick();
+    }
+    std::int64_t DoEvents(std::int64_t count, const std::function<bool()>& stopped) override {
+        const std::int64_t done = HeadlessHost::DoEvents(count, stopped);
+        Tick();
+        return done;
+    }
+
+  private:
+    void Tick() {
+        if (!progress_) return;
+        const auto now = std::chrono::steady_clock::now();
+        if (now - shown_ < kProgressInterval) return;
+        shown_ = now;
+        progress_(CurrentScanStage(), App().ItemsScanned);
+    }
+
+    Progress progress_;
+    std::chrono::steady_clock::time_point shown_{};
+};
 
 std::string WithoutClosingBackslash(std::string path) {
     while (path.size() > 3 && path.back() == '\\')
@@ -70,7 +102,7 @@ bool LoadData(std::string& error) {
 
 HeadlessScanResult RunHeadlessScan(const HeadlessScanRequest& request) {
     HeadlessScanResult result;
-    ui::HeadlessHost host;
+    ProgressHost host(request.progress);
     ui::ScopedHost installed(host);
     host.DefaultAnswer(ui::msgbox::kNo);
     SetFolders(request);
@@ -83,12 +115,6 @@ HeadlessScanResult RunHeadlessScan(const HeadlessScanRequest& request) {
         result.error = "no folder " + request.folder;
         result.exitCode = 2;
         return result;
-    }
-    if (request.progress) {
-        host.OnEveryYield([&](int number) {
-            if (number % kProgressEvery == 0)
-                request.progress(CurrentScanStage(), App().ItemsScanned);
-        });
     }
     // A new scan, as the rescan commands start one.
     App().StopRequested = VbFalse;

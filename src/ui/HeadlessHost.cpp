@@ -1,6 +1,8 @@
 // HeadlessHost.cpp: the scripted user interface, and the installed host.
 #include "ui/HeadlessHost.h"
 
+#include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "ui/Form.h"
@@ -33,7 +35,7 @@ ScopedHost::~ScopedHost() {
 }
 
 void HeadlessHost::DoEvents() {
-    const int number = ++yields_;
+    const std::int64_t number = ++yields_;
     if (everyYield_) everyYield_(number);
     // Actions are taken out before they run, so an action may yield again safely.
     for (std::size_t i = 0; i < atYield_.size(); ++i) {
@@ -45,7 +47,27 @@ void HeadlessHost::DoEvents() {
     }
 }
 
-void HeadlessHost::AtYield(int number, std::function<void()> action) {
+std::int64_t HeadlessHost::DoEvents(std::int64_t count, const std::function<bool()>& stopped) {
+    if (everyYield_) return UiHost::DoEvents(count, stopped);
+    std::int64_t done = 0;
+    while (done < count) {
+        // Nothing can happen before the next scripted action, so the yields up to it are
+        // only counted.
+        std::int64_t next = std::numeric_limits<std::int64_t>::max();
+        for (const auto& [number, action] : atYield_)
+            if (number > yields_ && number < next) next = number;
+        const std::int64_t quiet = std::min(count - done, next - yields_ - 1);
+        yields_ += quiet;
+        done += quiet;
+        if (done == count) break;
+        DoEvents();
+        ++done;
+        if (stopped()) break;
+    }
+    return done;
+}
+
+void HeadlessHost::AtYield(std::int64_t number, std::function<void()> action) {
     atYield_.emplace_back(number, std::move(action));
 }
 

@@ -2,6 +2,7 @@
 // act at the Nth yield, answer message boxes, close modal forms.
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <string>
@@ -20,6 +21,8 @@ class HeadlessHost : public UiHost {
     };
 
     void DoEvents() override;
+    // Counts the yields between scripted actions without making them one by one.
+    std::int64_t DoEvents(std::int64_t count, const std::function<bool()>& stopped) override;
     void ShowForm(Form& form, bool modal) override;
     void HideForm(Form& form) override;
     void FormUnloaded(Form& form) override;
@@ -27,26 +30,26 @@ class HeadlessHost : public UiHost {
     void SetMousePointer(int pointer) override { mousePointer_ = pointer; }
 
     // Runs `action` at the yield with this 1-based number.
-    void AtYield(int number, std::function<void()> action);
+    void AtYield(std::int64_t number, std::function<void()> action);
     // Runs `action` at every yield, with its number.
-    void OnEveryYield(std::function<void(int)> action) { everyYield_ = std::move(action); }
+    void OnEveryYield(std::function<void(std::int64_t)> action) { everyYield_ = std::move(action); }
     // The answer to the next message box; when none is queued, `defaultAnswer`.
     void Answer(int result) { answers_.push_back(result); }
     void DefaultAnswer(int result) { defaultAnswer_ = result; }
     // What a modal show does; by default the form is hidden again at once.
     void OnModal(std::function<void(Form&)> action) { onModal_ = std::move(action); }
 
-    int Yields() const { return yields_; }
+    std::int64_t Yields() const { return yields_; }
     int MousePointer() const { return mousePointer_; }
     const std::vector<Message>& Messages() const { return messages_; }
     const std::vector<std::string>& Shown() const { return shown_; }
 
   private:
-    int yields_ = 0;
+    std::int64_t yields_ = 0;
     int mousePointer_ = pointer::kDefault;
     int defaultAnswer_ = msgbox::kOk;
-    std::vector<std::pair<int, std::function<void()>>> atYield_;
-    std::function<void(int)> everyYield_;
+    std::vector<std::pair<std::int64_t, std::function<void()>>> atYield_;
+    std::function<void(std::int64_t)> everyYield_;
     std::deque<int> answers_;
     std::function<void(Form&)> onModal_;
     std::vector<Message> messages_;

@@ -2,6 +2,8 @@
 // headless host runs the same logic with none, for the command line and for tests.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <string>
 
 namespace orvex::ui {
@@ -33,6 +35,17 @@ class UiHost {
     virtual ~UiHost() = default;
     // Lets pending events run; long loops call it between items.
     virtual void DoEvents() = 0;
+    // Yields up to `count` times, asking `stopped` after each; returns the yields made. A
+    // walk over a large table yields once per record, and this lets a host do that in bulk.
+    virtual std::int64_t DoEvents(std::int64_t count, const std::function<bool()>& stopped) {
+        std::int64_t done = 0;
+        while (done < count) {
+            DoEvents();
+            ++done;
+            if (stopped()) break;
+        }
+        return done;
+    }
     virtual void ShowForm(Form& form, bool modal) = 0;
     virtual void HideForm(Form& form) = 0;
     // Called before a form's instance is destroyed.
@@ -48,6 +61,11 @@ void InstallHost(UiHost* host);
 // Yields to the user interface.
 inline void DoEvents() {
     Host().DoEvents();
+}
+
+// Yields `count` times unless `stopped` turns true on the way; the yields made.
+inline std::int64_t DoEvents(std::int64_t count, const std::function<bool()>& stopped) {
+    return Host().DoEvents(count, stopped);
 }
 
 }  // namespace orvex::ui
