@@ -133,6 +133,8 @@ decoy 'registry' 'key HKLM\Software\Orvex Sample\First line is never tested' \
 
 # --- A fresh prefix with the program installed ----------------------------------------------
 say "fresh Wine prefix (reporting Windows XP): $prefix"
+# A server left over from an interrupted run would keep the old prefix open.
+if [ -d "$prefix" ]; then WINEPREFIX=$prefix wineserver -k 2>/dev/null || true; fi
 rm -rf "$build/demo"
 mkdir -p "$build/demo"
 wine_run cmd /c ver 2>/dev/null | tr -d '\r' | grep -v '^$' || true
@@ -232,7 +234,6 @@ REGEDIT4
 EOF
 wine_run regedit /s "$(wine_run winepath -w "$reg_file" 2>/dev/null | tr -d '\r')"
 
-
 say "planted (harmless text files, registry entries and a sleeping sample program)"
 for i in "${!planted_kind[@]}"; do
     IFS=$tab read -r name category level _ <<<"${planted_row[$i]}"
@@ -254,12 +255,12 @@ done < <(find "$drive_c" -type l -print0)
 say "removed Wine's z: drive (the Linux root) and replaced the user folders' links into" \
     "the Linux home folder by empty folders, so the scan walks only C:"
 
-# The agent is listed once Wine has started it.
+# The agent is in the process list once Wine has started it under its Windows name.
 for _ in $(seq 100); do
     tr '\0' ' ' <"/proc/$agent_pid/cmdline" 2>/dev/null | grep -qi 'keywatch.exe' && break
     sleep 0.1
 done
-sleep 1
+sleep 1  # and its modules are loaded
 
 say "orvex.exe scan (run from $app_win, definitions from the registry's DataPath)"
 out=$build/demo
