@@ -3,6 +3,7 @@
 # infection there, scans it with orvex.exe and sets what was planted beside what was found.
 # Usage: scripts/demo.sh [BUILD_DIR]   (default build/windows). Exit 0 when every planted
 # item was judged as expected and nothing else was found.
+# shellcheck disable=SC1003  # Windows paths end in a backslash inside single quotes
 set -euo pipefail
 build=${1:-build/windows}
 root=$(cd "$(dirname "$0")/.." && pwd)
