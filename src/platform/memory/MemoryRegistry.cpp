@@ -1,22 +1,52 @@
 // MemoryRegistry.cpp: the in-memory registry tree of the memory back-end.
 #include <algorithm>
+#include <unordered_map>
 
 #include "platform/AnsiCase.h"
 #include "platform/memory/MemoryPlatform.h"
 
 namespace orvex::platform::memory {
 
+namespace {
+
+// Subkey names hashed and compared without regard to case, for keys with many subkeys.
+struct NoCaseHash {
+    std::size_t operator()(std::string_view name) const {
+        std::size_t h = 14695981039346656037ull;
+        for (char c : name)
+            h = (h ^ static_cast<unsigned char>(AnsiUpper(c))) * 1099511628211ull;
+        return h;
+    }
+};
+
+struct NoCaseEqual {
+    bool operator()(std::string_view a, std::string_view b) const { return EqualsNoCase(a, b); }
+};
+
+}  // namespace
+
 struct MemoryRegistry::Key {
     std::string name;
     std::string lastWrite;
     bool denied = false;
-    std::vector<std::unique_ptr<Key>> subKeys;
+    std::vector<std::unique_ptr<Key>> subKeys;  // creation order, as enumeration gives them
+    // The same subkeys by name; the views point into the subkeys' own names.
+    std::unordered_map<std::string_view, Key*, NoCaseHash, NoCaseEqual> byName;
     std::vector<RegValue> values;
 
     Key* child(std::string_view wanted) {
-        for (auto& k : subKeys)
-            if (EqualsNoCase(k->name, wanted)) return k.get();
-        return nullptr;
+        const auto found = byName.find(wanted);
+        return found == byName.end() ? nullptr : found->second;
+    }
+    Key* adopt(std::unique_ptr<Key> key) {
+        Key* added = key.get();
+        byName.emplace(added->name, added);
+        subKeys.push_back(std::move(key));
+        return added;
+    }
+    void drop(Key* key) {
+        byName.erase(key->name);
+        std::erase_if(subKeys, [key](const auto& k) { return k.get() == key; });
     }
     RegValue* value(std::string_view wanted) {
         for (auto& v : values)
@@ -101,8 +131,7 @@ MemoryRegistry::Key* MemoryRegistry::make(Hive hive, std::string_view path) {
             auto fresh = std::make_unique<Key>();
             fresh->name = std::string(part);
             fresh->lastWrite = timestamp_;
-            next = fresh.get();
-            key->subKeys.push_back(std::move(fresh));
+            next = key->adopt(std::move(fresh));
         }
         key = next;
     }
@@ -136,7 +165,7 @@ long MemoryRegistry::deleteTree(Hive hive, std::string_view path) {
     Key* key = parent == nullptr ? nullptr : parent->child(parts->back());
     if (key == nullptr) return regstatus::kNotFound;
     if (parent->denied || key->deniedBelow()) return regstatus::kAccessDenied;
-    std::erase_if(parent->subKeys, [key](const auto& k) { return k.get() == key; });
+    parent->drop(key);
     parent->lastWrite = timestamp_;
     return regstatus::kOk;
 }
