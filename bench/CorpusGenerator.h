@@ -13,7 +13,6 @@
 #include <map>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "DefinitionSetGenerator.h"

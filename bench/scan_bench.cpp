@@ -219,35 +219,40 @@ std::string CompareFindings(const Corpus& corpus, const orvex::HeadlessScanResul
     return report.substr(0, 600);
 }
 
-// When each stage of the scan was first seen, from the progress reports.
+// When each stage of the scan was first seen, from the progress reports, in wall and CPU
+// time.
 class StageClock {
   public:
     void Start() {
-        start_ = std::chrono::steady_clock::now();
-        seen_.clear();
+        seen_.assign(1, Now("load"));  // the data loads come before the first stage
     }
     void Seen(std::string_view stage) {
-        if (stage.empty()) stage = "load";  // the data loads come before the first stage
-        for (const auto& [name, at] : seen_)
-            if (name == stage) return;
-        seen_.emplace_back(std::string(stage), std::chrono::steady_clock::now());
+        if (stage.empty()) return;  // after the last stage: counted with it
+        for (const Mark& mark : seen_)
+            if (mark.stage == stage) return;
+        seen_.push_back(Now(std::string(stage)));
     }
-    // Adds each stage's seconds to `total`; the time before the first report is "load".
-    void AddTo(std::map<std::string, double>& total) const {
-        const auto end = std::chrono::steady_clock::now();
-        auto from = start_;
-        std::string name = "load";
-        for (const auto& [stage, at] : seen_) {
-            total[name] += std::chrono::duration<double>(at - from).count();
-            name = stage;
-            from = at;
+    // Adds each stage's wall and CPU seconds to the totals.
+    void AddTo(std::map<std::string, std::pair<double, double>>& total) const {
+        const Mark end = Now("");
+        for (std::size_t i = 0; i < seen_.size(); ++i) {
+            const Mark& next = i + 1 < seen_.size() ? seen_[i + 1] : end;
+            total[seen_[i].stage].first +=
+                std::chrono::duration<double>(next.wall - seen_[i].wall).count();
+            total[seen_[i].stage].second += next.cpu - seen_[i].cpu;
         }
-        total[name] += std::chrono::duration<double>(end - from).count();
     }
 
   private:
-    std::chrono::steady_clock::time_point start_;
-    std::vector<std::pair<std::string, std::chrono::steady_clock::time_point>> seen_;
+    struct Mark {
+        std::string stage;
+        std::chrono::steady_clock::time_point wall;
+        double cpu = 0;
+    };
+    static Mark Now(std::string stage) {
+        return Mark{std::move(stage), std::chrono::steady_clock::now(), ProcessCpuSeconds()};
+    }
+    std::vector<Mark> seen_;
 };
 
 void BM_OrvexScanPath(benchmark::State& state) {
@@ -263,7 +268,7 @@ void BM_OrvexScanPath(benchmark::State& state) {
     orvex::HeadlessScanResult result;
     double seconds = 0;
     double cpu = 0;
-    std::map<std::string, double> stages;
+    std::map<std::string, std::pair<double, double>> stages;  // wall, CPU
     for (auto _ : state) {
         fs::remove(corpus.paths.app() / "Logged.txt");
         const double cpuBefore = ProcessCpuSeconds();
@@ -286,8 +291,10 @@ void BM_OrvexScanPath(benchmark::State& state) {
     g_orvexSeconds = seconds / passes;
     g_orvexCpu = cpu / passes;
     state.counters["findings"] = static_cast<double>(result.findings.size());
-    for (const auto& [stage, total] : stages)
-        state.counters[stage + "_s"] = total / passes;
+    for (const auto& [stage, total] : stages) {
+        state.counters[stage + "_s"] = total.first / passes;
+        state.counters[stage + "_cpu_s"] = total.second / passes;
+    }
     SetRate(state, seconds, cpu);
 }
 
