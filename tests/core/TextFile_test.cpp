@@ -4,20 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include "core/Failure.h"
+#include "support/FailureOf.h"
 #include "support/MemoryFixture.h"
 
 namespace orvex {
 namespace {
 
-int FailureOf(auto&& call) {
-    try {
-        call();
-    } catch (const Failure& f) {
-        return f.number();
-    }
-    return 0;
-}
+using testing::FailureOf;
 
 class TextFileTest : public testing::MemoryPlatformTest {
   protected:

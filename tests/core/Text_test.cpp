@@ -4,19 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include "core/Failure.h"
+#include "support/FailureOf.h"
 
 namespace orvex {
 namespace {
 
-int FailureOf(auto&& call) {
-    try {
-        call();
-    } catch (const Failure& f) {
-        return f.number();
-    }
-    return 0;
-}
+using testing::FailureOf;
 
 TEST(InStr, PositionsAreOneBased) {
     EXPECT_EQ(InStr("abcabc", "c"), 3);

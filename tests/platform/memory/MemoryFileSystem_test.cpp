@@ -4,10 +4,12 @@
 #include <gtest/gtest.h>
 
 #include "platform/memory/MemoryPlatform.h"
+#include "support/FailureOf.h"
 
 namespace orvex::platform::memory {
 namespace {
 
+using orvex::testing::FailureOf;
 using ::testing::ElementsAre;
 
 class MemoryFileSystemTest : public ::testing::Test {
@@ -22,15 +24,6 @@ class MemoryFileSystemTest : public ::testing::Test {
     }
     void write(std::string_view path, OpenMode mode, std::string_view bytes) {
         fs.open(path, mode)->write(bytes.data(), bytes.size());
-    }
-    template <class F>
-    int failureOf(F&& call) {
-        try {
-            call();
-        } catch (const Failure& f) {
-            return f.number();
-        }
-        return 0;
     }
 
     MemoryFileSystem fs;
@@ -51,7 +44,7 @@ TEST_F(MemoryFileSystemTest, PathsAreNormalisedAsWin32Does) {
     EXPECT_TRUE(fs.fileExists("C:\\a\\\\b.txt."));
     EXPECT_FALSE(fs.fileExists("C:\\a\\b?.txt"));
     EXPECT_FALSE(fs.fileExists("a\\b.txt"));
-    EXPECT_EQ(failureOf([&] { fs.open("C:\\a\\b|.txt", OpenMode::Write); }), 52);
+    EXPECT_EQ(FailureOf([&] { fs.open("C:\\a\\b|.txt", OpenMode::Write); }), 52);
 }
 
 TEST_F(MemoryFileSystemTest, WriteTruncatesAndReadWriteDoesNot) {
@@ -88,8 +81,8 @@ TEST_F(MemoryFileSystemTest, SeekPastTheEndFillsTheGapWithZeros) {
 TEST_F(MemoryFileSystemTest, StreamsKeepToTheirMode) {
     fs.addFile("C:\\f.txt", "abc");
     char c;
-    EXPECT_EQ(failureOf([&] { fs.open("C:\\f.txt", OpenMode::Read)->write("x", 1); }), 54);
-    EXPECT_EQ(failureOf([&] { fs.open("C:\\f.txt", OpenMode::Append)->read(&c, 1); }), 54);
+    EXPECT_EQ(FailureOf([&] { fs.open("C:\\f.txt", OpenMode::Read)->write("x", 1); }), 54);
+    EXPECT_EQ(FailureOf([&] { fs.open("C:\\f.txt", OpenMode::Append)->read(&c, 1); }), 54);
     auto rw = fs.open("C:\\f.txt", OpenMode::ReadWrite);
     EXPECT_EQ(rw->read(&c, 1), 1u);
     rw->seek(10);
@@ -98,24 +91,24 @@ TEST_F(MemoryFileSystemTest, StreamsKeepToTheirMode) {
 
 TEST_F(MemoryFileSystemTest, MissingThingsGiveTheirClassicNumbers) {
     fs.addFolder("C:\\dir");
-    EXPECT_EQ(failureOf([&] { fs.open("C:\\dir\\none.txt", OpenMode::Read); }), 53);
-    EXPECT_EQ(failureOf([&] { fs.open("C:\\nodir\\x.txt", OpenMode::Write); }), 76);
-    EXPECT_EQ(failureOf([&] { fs.open("Q:\\x.txt", OpenMode::Read); }), 76);
-    EXPECT_EQ(failureOf([&] { fs.length("C:\\dir\\none.txt"); }), 53);
-    EXPECT_EQ(failureOf([&] { fs.list("C:\\nodir"); }), 76);
-    EXPECT_EQ(failureOf([&] { fs.remove("C:\\dir\\none.txt"); }), 53);
-    EXPECT_EQ(failureOf([&] { fs.createFolder("C:\\a\\b"); }), 76);
-    EXPECT_EQ(failureOf([&] { fs.createFolder("C:\\dir"); }), 75);
-    EXPECT_EQ(failureOf([&] { fs.open("C:\\dir", OpenMode::Read); }), 75);
+    EXPECT_EQ(FailureOf([&] { fs.open("C:\\dir\\none.txt", OpenMode::Read); }), 53);
+    EXPECT_EQ(FailureOf([&] { fs.open("C:\\nodir\\x.txt", OpenMode::Write); }), 76);
+    EXPECT_EQ(FailureOf([&] { fs.open("Q:\\x.txt", OpenMode::Read); }), 76);
+    EXPECT_EQ(FailureOf([&] { fs.length("C:\\dir\\none.txt"); }), 53);
+    EXPECT_EQ(FailureOf([&] { fs.list("C:\\nodir"); }), 76);
+    EXPECT_EQ(FailureOf([&] { fs.remove("C:\\dir\\none.txt"); }), 53);
+    EXPECT_EQ(FailureOf([&] { fs.createFolder("C:\\a\\b"); }), 76);
+    EXPECT_EQ(FailureOf([&] { fs.createFolder("C:\\dir"); }), 75);
+    EXPECT_EQ(FailureOf([&] { fs.open("C:\\dir", OpenMode::Read); }), 75);
 }
 
 TEST_F(MemoryFileSystemTest, LockedFilesRefuseWithSeventy) {
     fs.addFile("C:\\busy.dll", "code");
     fs.lock("C:\\busy.dll");
-    EXPECT_EQ(failureOf([&] { fs.open("C:\\busy.dll", OpenMode::Read); }), 70);
-    EXPECT_EQ(failureOf([&] { fs.remove("C:\\busy.dll"); }), 70);
-    EXPECT_EQ(failureOf([&] { fs.copy("C:\\busy.dll", "C:\\copy.dll", true); }), 70);
-    EXPECT_EQ(failureOf([&] { fs.replace("C:\\busy.dll", "C:\\moved.dll"); }), 70);
+    EXPECT_EQ(FailureOf([&] { fs.open("C:\\busy.dll", OpenMode::Read); }), 70);
+    EXPECT_EQ(FailureOf([&] { fs.remove("C:\\busy.dll"); }), 70);
+    EXPECT_EQ(FailureOf([&] { fs.copy("C:\\busy.dll", "C:\\copy.dll", true); }), 70);
+    EXPECT_EQ(FailureOf([&] { fs.replace("C:\\busy.dll", "C:\\moved.dll"); }), 70);
     EXPECT_TRUE(fs.fileExists("C:\\busy.dll"));
     EXPECT_EQ(fs.length("C:\\busy.dll"), 4u);  // reading the size is allowed
     fs.lock("C:\\busy.dll", false);
@@ -125,9 +118,9 @@ TEST_F(MemoryFileSystemTest, LockedFilesRefuseWithSeventy) {
 
 TEST_F(MemoryFileSystemTest, ReadOnlyFilesResistWritesAndDeletesWithSeventyFive) {
     fs.addFile("C:\\ro.txt", "keep", attr::kReadOnly);
-    EXPECT_EQ(failureOf([&] { fs.remove("C:\\ro.txt"); }), 75);
-    EXPECT_EQ(failureOf([&] { fs.open("C:\\ro.txt", OpenMode::Write); }), 75);
-    EXPECT_EQ(failureOf([&] { fs.open("C:\\ro.txt", OpenMode::ReadWrite); }), 75);
+    EXPECT_EQ(FailureOf([&] { fs.remove("C:\\ro.txt"); }), 75);
+    EXPECT_EQ(FailureOf([&] { fs.open("C:\\ro.txt", OpenMode::Write); }), 75);
+    EXPECT_EQ(FailureOf([&] { fs.open("C:\\ro.txt", OpenMode::ReadWrite); }), 75);
     EXPECT_EQ(readAll("C:\\ro.txt"), "keep");
     fs.setAttributes("C:\\ro.txt", attr::kNormal);
     EXPECT_EQ(fs.attributes("C:\\ro.txt"), attr::kNormal);
@@ -137,11 +130,11 @@ TEST_F(MemoryFileSystemTest, ReadOnlyFilesResistWritesAndDeletesWithSeventyFive)
 
 TEST_F(MemoryFileSystemTest, FoldersAreRemovedOnlyWhenEmpty) {
     fs.addFile("C:\\d\\f.txt");
-    EXPECT_EQ(failureOf([&] { fs.remove("C:\\d"); }), 75);
+    EXPECT_EQ(FailureOf([&] { fs.remove("C:\\d"); }), 75);
     fs.remove("C:\\d\\f.txt");
     fs.remove("C:\\d");
     EXPECT_FALSE(fs.folderExists("C:\\d"));
-    EXPECT_EQ(failureOf([&] { fs.remove("C:\\"); }), 75);
+    EXPECT_EQ(FailureOf([&] { fs.remove("C:\\"); }), 75);
 }
 
 TEST_F(MemoryFileSystemTest, CopyKeepsBytesAndAttributesAndHonoursOverwrite) {
@@ -151,10 +144,10 @@ TEST_F(MemoryFileSystemTest, CopyKeepsBytesAndAttributesAndHonoursOverwrite) {
     EXPECT_EQ(fs.contents("C:\\out\\dst.txt"), "data");
     EXPECT_EQ(fs.attributes("C:\\out\\dst.txt"), attr::kReadOnly | attr::kHidden);
     fs.addFile("C:\\other.txt", "x");
-    EXPECT_EQ(failureOf([&] { fs.copy("C:\\src.txt", "C:\\other.txt", false); }), 58);
-    EXPECT_EQ(failureOf([&] { fs.copy("C:\\other.txt", "C:\\out\\dst.txt", true); }), 75);
-    EXPECT_EQ(failureOf([&] { fs.copy("C:\\none.txt", "C:\\x.txt", true); }), 53);
-    EXPECT_EQ(failureOf([&] { fs.copy("C:\\src.txt", "C:\\nodir\\x.txt", true); }), 76);
+    EXPECT_EQ(FailureOf([&] { fs.copy("C:\\src.txt", "C:\\other.txt", false); }), 58);
+    EXPECT_EQ(FailureOf([&] { fs.copy("C:\\other.txt", "C:\\out\\dst.txt", true); }), 75);
+    EXPECT_EQ(FailureOf([&] { fs.copy("C:\\none.txt", "C:\\x.txt", true); }), 53);
+    EXPECT_EQ(FailureOf([&] { fs.copy("C:\\src.txt", "C:\\nodir\\x.txt", true); }), 76);
 }
 
 TEST_F(MemoryFileSystemTest, ReplaceSwapsInTheNewFileInOneStep) {
@@ -167,11 +160,11 @@ TEST_F(MemoryFileSystemTest, ReplaceSwapsInTheNewFileInOneStep) {
 
     fs.addFile("C:\\data\\again.tmp", "newer");
     fs.lock("C:\\data\\store.dat");
-    EXPECT_EQ(failureOf([&] { fs.replace("C:\\data\\again.tmp", "C:\\data\\store.dat"); }), 70);
+    EXPECT_EQ(FailureOf([&] { fs.replace("C:\\data\\again.tmp", "C:\\data\\store.dat"); }), 70);
     EXPECT_EQ(fs.contents("C:\\data\\again.tmp"), "newer");
     fs.lock("C:\\data\\store.dat", false);
     EXPECT_EQ(fs.contents("C:\\data\\store.dat"), "new");
-    EXPECT_EQ(failureOf([&] { fs.replace("C:\\data", "C:\\data\\inner"); }), 75);
+    EXPECT_EQ(FailureOf([&] { fs.replace("C:\\data", "C:\\data\\inner"); }), 75);
 }
 
 TEST_F(MemoryFileSystemTest, AnArmedWriteFailureBreaksARewriteHalfWay) {
@@ -180,7 +173,7 @@ TEST_F(MemoryFileSystemTest, AnArmedWriteFailureBreaksARewriteHalfWay) {
     fs.failWrite(2, failure::kDiskFull);
     auto s = fs.open("C:\\store.tmp", OpenMode::Write);
     s->write("one,", 4);
-    EXPECT_EQ(failureOf([&] { s->write("two,", 4); }), failure::kDiskFull);
+    EXPECT_EQ(FailureOf([&] { s->write("two,", 4); }), failure::kDiskFull);
     s->write("three", 5);  // fails only once
     EXPECT_EQ(fs.contents("C:\\store.tmp"), "one,three");
     EXPECT_EQ(fs.writeCount(), before + 3);
@@ -197,8 +190,8 @@ TEST_F(MemoryFileSystemTest, LongNamesGetShortNamesAndBothLeadToTheFile) {
     EXPECT_EQ(fs.shortPath("C:\\windows"), "C:\\WINDOWS");
     EXPECT_EQ(fs.contents("C:\\progra~1\\orvexs~1\\backup.dat"), "b");
     EXPECT_EQ(fs.longPath("C:\\PROGRA~1\\ORVEXS~1"), "C:\\Program Files\\Orvex Sentry");
-    EXPECT_EQ(failureOf([&] { fs.shortPath("C:\\Program Files\\none.txt"); }), 53);
-    EXPECT_EQ(failureOf([&] { fs.shortPath("C:\\nowhere\\none.txt"); }), 76);
+    EXPECT_EQ(FailureOf([&] { fs.shortPath("C:\\Program Files\\none.txt"); }), 53);
+    EXPECT_EQ(FailureOf([&] { fs.shortPath("C:\\nowhere\\none.txt"); }), 76);
 }
 
 TEST_F(MemoryFileSystemTest, ListGivesSortedEntriesWithShortNamesAndAttributes) {
@@ -227,7 +220,7 @@ TEST_F(MemoryFileSystemTest, DrivesComeInLetterOrderWithTheirTypes) {
     EXPECT_EQ(fs.freeSpace("D:\\"), 1234u);
     fs.setDriveReady("E:\\", false);
     EXPECT_FALSE(fs.folderExists("E:\\"));
-    EXPECT_EQ(failureOf([&] { fs.list("E:\\"); }), 71);
+    EXPECT_EQ(FailureOf([&] { fs.list("E:\\"); }), 71);
 }
 
 TEST_F(MemoryFileSystemTest, AStreamOutlivesTheDeleteOfItsFile) {

@@ -9,22 +9,14 @@
 #include <functional>
 #include <vector>
 
-#include "core/Failure.h"
 #include "platform/posix/PosixTestFolder.h"
+#include "support/FailureOf.h"
 
 namespace orvex::platform {
 namespace {
 
+using orvex::testing::FailureOf;
 using orvex::testing::PosixTestFolder;
-
-int FailureOf(const std::function<void()>& step) {
-    try {
-        step();
-    } catch (const Failure& f) {
-        return f.number();
-    }
-    return 0;
-}
 
 std::vector<std::string> Names(const std::vector<DirEntry>& entries) {
     std::vector<std::string> names;
