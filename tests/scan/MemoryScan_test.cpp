@@ -16,7 +16,7 @@
 #include "platform/Md5.h"
 #include "scan/Recorder.h"
 #include "scan/RunProc.h"
-#include "support/MemoryFixture.h"
+#include "scan/ScanFixture.h"
 #include "ui/Form.h"
 #include "ui/HeadlessHost.h"
 
@@ -25,24 +25,9 @@ namespace {
 
 constexpr const char* kMemory = "Memory Resident";
 
-class MemoryScanTest : public testing::MemoryPlatformTest {
+class MemoryScanTest : public testing::ScanTest {
   protected:
-    MemoryScanTest() : hostGuard_(host) {
-        ui::ResetForms();
-        Definitions() = DefinitionTables{};
-        ScumListOfRun().clear();
-        List1OfRun().Clear();
-        files.addFolder("C:\\Orvex");
-        App().AppPath = "C:\\Orvex";
-        App().DataFolder = "C:\\Orvex\\";
-        files.addFolder("C:\\Apps");
-    }
-    ~MemoryScanTest() override {
-        ui::ResetForms();
-        Definitions() = DefinitionTables{};
-        ScumListOfRun().clear();
-        List1OfRun().Clear();
-    }
+    MemoryScanTest() { files.addFolder("C:\\Apps"); }
 
     // A running process whose image lies on the disk with these bytes.
     std::uint32_t Run(const std::string& path, const std::string& bytes = "image") {
@@ -98,11 +83,6 @@ class MemoryScanTest : public testing::MemoryPlatformTest {
             ReadScanLog(LoggedTxtPath(), [&](const std::string& r) { records.push_back(r); });
         return records;
     }
-
-    ui::HeadlessHost host;
-
-  private:
-    ui::ScopedHost hostGuard_;
 };
 
 // ---------------------------------------------------------------------------------------

@@ -15,30 +15,16 @@
 #include "core/Text.h"
 #include "definitions/DefinitionTables.h"
 #include "scan/ScanPage.h"
-#include "support/MemoryFixture.h"
+#include "scan/ScanFixture.h"
 #include "ui/Form.h"
 #include "ui/HeadlessHost.h"
 
 namespace orvex {
 namespace {
 
-class RecorderTest : public testing::MemoryPlatformTest {
+class RecorderTest : public testing::ScanTest {
   protected:
-    RecorderTest() {
-        ui::ResetForms();
-        Definitions() = DefinitionTables{};
-        ScumListOfRun().clear();
-        List1OfRun().Clear();
-        files.addFolder("C:\\Data");
-        App().DataFolder = "C:\\Data\\";
-        LngArray()[431] = "Threats found:";
-    }
-    ~RecorderTest() override {
-        ui::ResetForms();
-        Definitions() = DefinitionTables{};
-        ScumListOfRun().clear();
-        List1OfRun().Clear();
-    }
+    RecorderTest() { LngArray()[431] = "Threats found:"; }
 
     static void ItemList(std::initializer_list<std::string> lines) {
         for (const auto& line : lines)
@@ -254,8 +240,6 @@ TEST_F(RecorderTest, ExclusionFailedSizeTestGoesOnToTheNextLine) {
 }
 
 TEST_F(RecorderTest, ExclusionStopsOnceTheFirstCharacterHasPassed) {
-    ui::HeadlessHost host;
-    ui::ScopedHost scoped(host);
     Exclusions({"b.exe||||3|0", "c.exe||||3|0", "d.exe||||3|0"});
     EXPECT_EQ(ExclusionRoutine("a.exe", "C:\\", "x"), 4);
     EXPECT_EQ(host.Yields(), 2);  // the empty element, then the "b" line

@@ -13,7 +13,7 @@
 #include "definitions/DefinitionTables.h"
 #include "scan/Recorder.h"
 #include "scan/ScanPage.h"
-#include "support/MemoryFixture.h"
+#include "scan/ScanFixture.h"
 #include "ui/Form.h"
 #include "ui/HeadlessHost.h"
 
@@ -25,24 +25,9 @@ using platform::Hive;
 constexpr std::uint32_t kHklm = 0x80000002u;
 constexpr std::uint32_t kPerformanceData = 0x80000004u;
 
-class RegistryScanTest : public testing::MemoryPlatformTest {
+class RegistryScanTest : public testing::ScanTest {
   protected:
-    RegistryScanTest() : hostGuard_(host) {
-        ui::ResetForms();
-        Definitions() = DefinitionTables{};
-        ScumListOfRun().clear();
-        List1OfRun().Clear();
-        files.addFolder("C:\\Orvex");
-        App().AppPath = "C:\\Orvex";
-        App().DataFolder = "C:\\Orvex\\";
-        LngArray()[379] = "Registry items: ";
-    }
-    ~RegistryScanTest() override {
-        ui::ResetForms();
-        Definitions() = DefinitionTables{};
-        ScumListOfRun().clear();
-        List1OfRun().Clear();
-    }
+    RegistryScanTest() { LngArray()[379] = "Registry items: "; }
 
     static void RegistryDefs(const std::vector<std::string>& lines) {
         for (const auto& line : lines)
@@ -55,11 +40,6 @@ class RegistryScanTest : public testing::MemoryPlatformTest {
             out.push_back(row.location + " :: " + row.item + " :: " + row.name);
         return out;
     }
-
-    ui::HeadlessHost host;
-
-  private:
-    ui::ScopedHost hostGuard_;
 };
 
 // ---------------------------------------------------------------------------------------
@@ -91,13 +71,14 @@ TEST_F(RegistryScanTest, KeyTestWritesParentWithBackslashAndLastComponent) {
     EXPECT_EQ(Rows().row(1).name, "Threat");
 }
 
-TEST_F(RegistryScanTest, KeyTestFindsNothingWithoutRootNameKeyOrBackslash) {
+TEST_F(RegistryScanTest, KeyAndValueTestsFindNothingWithoutRootNameKeyOrBackslash) {
     registry.addKey(Hive::PerformanceData, "Software\\x");
     registry.addKey(Hive::LocalMachine, "Toplevel");
     RegistryCheck(kPerformanceData, "Software\\x", "", "Perf");
     RegistryCheck(0x80000000u, "", "", "TSADBOT");
     RegistryCheck(kHklm, "Toplevel", "", "NoBackslash");  // fails in the cut, handled
     RegistryCheck(0, "Software\\x", "", "NoRoot");
+    RegistryCheck(kHklm, "Software\\None", "evil", "MissingKeyOfAValueTest");
     EXPECT_TRUE(Rows().empty());
 }
 
@@ -127,11 +108,6 @@ TEST_F(RegistryScanTest, ValueTestOnPerformanceDataWritesALocationStartingWithBa
     RegistryCheck(kPerformanceData, "Counters", "evil", "Perf");
     ASSERT_EQ(Rows().count(), 1);
     EXPECT_EQ(Rows().row(1).location, "\\Counters|x");
-}
-
-TEST_F(RegistryScanTest, ValueTestOnAMissingKeyFindsNothing) {
-    RegistryCheck(kHklm, "Software\\None", "evil", "Evil");
-    EXPECT_TRUE(Rows().empty());
 }
 
 // ---------------------------------------------------------------------------------------
