@@ -115,18 +115,5 @@ TEST(MemoryProcesses, TerminateRemovesTheProcessUnlessItIsProtected) {
     EXPECT_EQ(procs.listWithPaths()[0].imagePath, "C:\\WINDOWS\\explorer.exe");
 }
 
-TEST(MemoryProcesses, VersionAndStartsAreScripted) {
-    MemoryProcesses procs;
-    EXPECT_EQ(procs.osVersion()->platformId, 2u);
-    procs.setOsVersion(1, 4, 10);
-    EXPECT_EQ(procs.osVersion()->minor, 10u);
-    procs.failOsVersion();
-    EXPECT_EQ(procs.osVersion(), std::nullopt);
-    EXPECT_TRUE(procs.start("C:\\x.exe", "/scan", true));
-    ASSERT_EQ(procs.startCalls().size(), 1u);
-    EXPECT_EQ(procs.startCalls()[0].arguments, "/scan");
-    EXPECT_TRUE(procs.startCalls()[0].hidden);
-}
-
 }  // namespace
 }  // namespace orvex::platform::memory
