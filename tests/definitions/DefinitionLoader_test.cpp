@@ -257,16 +257,23 @@ TEST_F(DefinitionLoaderTest, FilesAndHashesAreSortedAndIndexed) {
     EXPECT_EQ(t.Md5Defs.Count, 0);
 }
 
-TEST_F(DefinitionLoaderTest, ReloadReplacesTablesAndRewritesTheFileIndex) {
-    Defs("[Files]\nA|a.exe\nB|b.exe\nC|c.exe\nD|d.exe\n[End]\n[Startup]\nS|s\n[End]\n");
+TEST_F(DefinitionLoaderTest, ReloadReplacesTablesAndDateButKeepsTheFirstStaticVersion) {
+    Static("Ver=old static\n");
+    Defs(
+        "Ver=old "
+        "date\n[Files]\nA|a.exe\nB|b.exe\nC|c.exe\nD|d.exe\n[End]\n[Startup]\nS|s\n[End]\n");
     LoadReferenceFiles();
-    Defs("[Files]\nX|x.exe\nY|y.exe\n[End]\n");
+    Static("Ver=new static\n");
+    Defs("Ver=new date\n[Files]\nX|x.exe\nY|y.exe\n[End]\n");
     LoadReferenceFiles();
     EXPECT_EQ(Filled(t.FileDefs), (Lines{"x.exe|X", "y.exe|Y"}));
     ASSERT_EQ(t.FileIndex.size(), 3u);
     EXPECT_EQ(t.FileIndex[1].Name, "X");
     EXPECT_EQ(t.FileIndex[2].Name, "Y");
     EXPECT_EQ(t.StartupDefs.Count, 0);
+    EXPECT_EQ(App().StaticDefinitionVer, "old static");
+    EXPECT_EQ(App().DefinitionDate, "new date");
+    EXPECT_EQ(Value("StaticDAT"), "old static");
 }
 
 TEST(QuickSortMe, SortsTheRangeAndLeavesTheRestAlone) {
@@ -318,14 +325,9 @@ TEST_F(DefinitionLoaderTest, LastDefinitionVersionAndFirstStaticVersionWin) {
     EXPECT_EQ(Value("InstalledVer"), VersionText() + "|last|static one");
 }
 
-TEST_F(DefinitionLoaderTest, DataLineStartingWithVerIsFiledAndSetsTheVersion) {
-    Defs("Ver=date\n[Startup]\nVer|=dummy.exe\n[End]\n");
-    LoadReferenceFiles();
-    EXPECT_EQ(t.StartupDefs[0], "Ver|=dummy.exe");
-    EXPECT_EQ(App().DefinitionDate, "dummy.exe");
-}
-
-TEST_F(DefinitionLoaderTest, VerLineWithoutEqualsIsLoggedAndTheLoadGoesOn) {
+// A data line starting with "Ver" is filed and read as a version too; without "=" the
+// read fails, is logged, and the load goes on.
+TEST_F(DefinitionLoaderTest, DataLinesStartingWithVerAreFiledAndReadAsVersions) {
     Defs("Ver=kept\n[Startup]\nVerminator|v.exe\n[End]\n");
     LoadReferenceFiles();
     EXPECT_EQ(App().DefinitionDate, "kept");
@@ -334,18 +336,11 @@ TEST_F(DefinitionLoaderTest, VerLineWithoutEqualsIsLoggedAndTheLoadGoesOn) {
     EXPECT_NE(log.find("Error [ 9 ]"), std::string::npos);
     EXPECT_NE(log.find("Procedure ( LoadReferenceFiles ) - Module ( Module1 )"), std::string::npos);
     EXPECT_NE(log.find("Outcome: Resume Next"), std::string::npos);
-}
 
-TEST_F(DefinitionLoaderTest, ReloadKeepsTheFirstStaticVersion) {
-    Static("Ver=old static\n");
-    Defs("Ver=old date\n");
+    Defs("Ver=date\n[Startup]\nVer|=dummy.exe\n[End]\n");
     LoadReferenceFiles();
-    Static("Ver=new static\n");
-    Defs("Ver=new date\n");
-    LoadReferenceFiles();
-    EXPECT_EQ(App().StaticDefinitionVer, "old static");
-    EXPECT_EQ(App().DefinitionDate, "new date");
-    EXPECT_EQ(Value("StaticDAT"), "old static");
+    EXPECT_EQ(t.StartupDefs[0], "Ver|=dummy.exe");
+    EXPECT_EQ(App().DefinitionDate, "dummy.exe");
 }
 
 // --- Damaged files -----------------------------------------------------------------------
