@@ -205,7 +205,7 @@ TEST_F(MemoryScanTest, StopInTheDigestPassEndsTheScan) {
 // ---------------------------------------------------------------------------------------
 // Kill mode
 
-TEST_F(MemoryScanTest, KillModeEndsCheckedRowsProcessesById) {
+TEST_F(MemoryScanTest, KillModeEndsTheProcessesOfCheckedMemoryRowsById) {
     const auto first = Run("C:\\Apps\\evil.exe");
     const auto evil = Run("C:\\Apps\\evil.exe");
     const auto kept = Run("C:\\Apps\\kept.exe");
@@ -214,21 +214,16 @@ TEST_F(MemoryScanTest, KillModeEndsCheckedRowsProcessesById) {
     Check("Kept", "kept.exe");
     ScumListOfRun().setChecked(2, false);
     Check("Other", "other.exe");
+    const auto onDisk = Run("C:\\Apps\\disk.exe");  // a checked row of another stage
+    ScumListDetailsAdd("Disk", "FileSystem", "C:\\Apps\\", "disk.exe", "");
+    ScumListOfRun().setChecked(ScumListOfRun().count(), true);
     Kill();
     EXPECT_TRUE(processes.running(first));  // the first entry is never ended
     EXPECT_FALSE(processes.running(evil));
     EXPECT_TRUE(processes.running(kept));
     EXPECT_FALSE(processes.running(other));
+    EXPECT_TRUE(processes.running(onDisk));
     EXPECT_TRUE(LogRecords().empty());  // kill mode logs no start
-}
-
-TEST_F(MemoryScanTest, KillModeOnlyEndsMemoryRows) {
-    Run("C:\\Apps\\first.exe");
-    const auto evil = Run("C:\\Apps\\evil.exe");
-    ScumListDetailsAdd("Evil", "FileSystem", "C:\\Apps\\", "evil.exe", "");
-    ScumListOfRun().setChecked(1, true);
-    Kill();
-    EXPECT_TRUE(processes.running(evil));
 }
 
 TEST_F(MemoryScanTest, KillModeOnNineXEndsEveryProcessWhosePathEndsInTheName) {
