@@ -8,6 +8,7 @@
 #include "core/AppState.h"
 #include "core/AtomicFile.h"
 #include "core/Failure.h"
+#include "support/FailureOf.h"
 #include "support/MemoryFixture.h"
 #include "ui/Form.h"
 
@@ -155,10 +156,8 @@ TEST_F(BackupStoreTest, SaveBackupDatRoundTripsTheRowsInFileOrder) {
     EXPECT_EQ(files.contents(kStore), "");
     EXPECT_EQ(BackupRecords().Count(), 0);
     EXPECT_EQ(Log(), "");
-}
 
-TEST_F(BackupStoreTest, ARowWithoutColumnsIsWrittenWithEmptyFields) {
-    FakeBlocked& blocked = ui::TheForm<FakeBlocked>();
+    // A row without columns is written with empty fields.
     blocked.lvBackup.ListItems.push_back(ui::ListItem{});
     blocked.lvBackup.ListItems[0].Text = "date";
     SaveBackupDat(blocked.lvBackup, VbFalse);
@@ -192,7 +191,7 @@ TEST_F(BackupStoreTest, AnAppendThatCannotOpenTheStoreWritesNothing) {
     EXPECT_NE(Log().find("Procedure ( AddBackupDat )"), std::string::npos);
 }
 
-TEST_F(BackupStoreTest, TheStemIsTicksThenShownFilesCutToEight) {
+TEST_F(BackupStoreTest, TheStemIsTicksThenShownFilesCutToEightAndNeedsTheFolder) {
     system.setTickStep(0);
     system.setTickCount(1234);
     EXPECT_EQ(BackupStem(), "12340");
@@ -210,16 +209,9 @@ TEST_F(BackupStoreTest, TheStemIsTicksThenShownFilesCutToEight) {
 
     system.setTickCount(4294967295u);
     EXPECT_EQ(BackupStem(), "42949672");  // the count is cut away altogether
-}
 
-TEST_F(BackupStoreTest, TheStemNeedsTheBackupFolder) {
     App().BackupFolder = "C:\\App\\Missing";
-    try {
-        BackupStem();
-        ADD_FAILURE() << "no failure";
-    } catch (const Failure& f) {
-        EXPECT_EQ(f.number(), failure::kPathNotFound);
-    }
+    EXPECT_EQ(testing::FailureOf([] { BackupStem(); }), failure::kPathNotFound);
 }
 
 }  // namespace
