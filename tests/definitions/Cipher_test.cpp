@@ -41,14 +41,11 @@ std::string DecryptCopy(std::string text, std::string_view key) {
     return Decrypt(text, key);
 }
 
-TEST(Coding, StretchCarriesTopBitsInTheFourthCharacter) {
+TEST(Coding, StretchCarriesTopBitsInTheFourthCharacterOfEachGroup) {
     EXPECT_EQ(Stretched(Bytes({65, 66, 67})), Bytes({60, 61, 62, 80}));
     EXPECT_EQ(Shrunk(Bytes({60, 61, 62, 80})), Bytes({65, 66, 67}));
     EXPECT_EQ(Stretched(Bytes({255})), Bytes({122, 59 + 48}));
     EXPECT_EQ(Stretched("").size(), 0u);
-}
-
-TEST(Coding, StretchLengthsOfShortGroups) {
     EXPECT_EQ(Stretched("a").size(), 2u);
     EXPECT_EQ(Stretched("ab").size(), 3u);
     EXPECT_EQ(Stretched("abcd").size(), 6u);
@@ -115,24 +112,20 @@ TEST(Cipher, RoundTripKeepsEveryByteAndTrailingBlanks) {
         EXPECT_EQ(DecryptCopy(EncryptCopy(text, "Tq3m"), "Tq3m"), text);
 }
 
-TEST(Cipher, WithoutMarkerIsErr1AndTheTextStays) {
+// Without the marker the text stays and the answer is ERR1; with it the marker is cut
+// from the caller's text, and a wrong key answers ERR2.
+TEST(Cipher, DecryptCutsTheMarkerOrAnswersErr1OrErr2) {
     for (std::string text : {"", "<", "abc", "abc<E", "abc<e "}) {
         const std::string before = text;
         EXPECT_EQ(Decrypt(text, "Tq3m"), "ERR1");
         EXPECT_EQ(text, before);
     }
-}
-
-TEST(Cipher, MarkerIsCutFromTheCallersText) {
     std::string text = EncryptCopy("abc", "Tq3m");
     const std::string withoutMarker = text.substr(0, text.size() - 2);
+    EXPECT_EQ(DecryptCopy(text, "Tq3n"), "ERR2");
+    EXPECT_EQ(DecryptCopy(text, ""), "ERR2");
     EXPECT_EQ(Decrypt(text, "Tq3m"), "abc");
     EXPECT_EQ(text, withoutMarker);
-}
-
-TEST(Cipher, WrongKeyIsErr2) {
-    EXPECT_EQ(DecryptCopy(EncryptCopy("abc", "Tq3m"), "Tq3n"), "ERR2");
-    EXPECT_EQ(DecryptCopy(EncryptCopy("abc", "Tq3m"), ""), "ERR2");
 }
 
 TEST(Cipher, DecryptDoesNotDependOnEarlierDraws) {
@@ -173,14 +166,11 @@ class CipherOnForeignText : public testing::MemoryPlatformTest {
     std::string log() { return files.contents("C:\\Data\\ovs.ph"); }
 };
 
-TEST_F(CipherOnForeignText, MarkerAloneIsErr2) {
-    std::string text = "<e";
-    EXPECT_EQ(Decrypt(text, "Tq3m"), "ERR2");
-    EXPECT_EQ(text, "");
+TEST_F(CipherOnForeignText, MarkerAloneShortOrControlCharacterTextsAreErr2) {
+    std::string marker = "<e";
+    EXPECT_EQ(Decrypt(marker, "Tq3m"), "ERR2");
+    EXPECT_EQ(marker, "");
     EXPECT_NE(log().find("Procedure ( Shrink ) - Module ( Coding )"), std::string::npos);
-}
-
-TEST_F(CipherOnForeignText, ShortOrControlCharacterTextsAreErr2) {
     for (std::string text : {"a<e", "abcdefghijklmnop<e", "\x01\x02\x03\x04\x05<e",
                              "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t<e"}) {
         EXPECT_EQ(Decrypt(text, "Tq3m"), "ERR2");
