@@ -11,10 +11,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/AppState.h"
+#include "FuzzSetup.h"
 #include "definitions/DefinitionLoader.h"
 #include "definitions/DefinitionTables.h"
-#include "platform/memory/MemoryPlatform.h"
 #include "ui/Form.h"
 
 namespace {
@@ -31,12 +30,6 @@ void WatchAllocation(const volatile void*, std::size_t size) {
 
 void IgnoreFree(const volatile void*) {}
 
-orvex::platform::memory::MemoryPlatform& Machine() {
-    static orvex::platform::memory::MemoryPlatform machine;
-    static orvex::platform::ScopedPlatform installed{machine.view()};
-    return machine;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
@@ -45,10 +38,9 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    auto& machine = Machine();
-    const std::string bytes(reinterpret_cast<const char*>(data), size);
-    machine.files.addFile("C:\\Orvex\\ovsdef.dat", bytes);
-    orvex::App().DataFolder = "C:\\Orvex\\";
+    using namespace orvex::fuzz;
+    Machine().files.addFile(kFolder + "\\ovsdef.dat", Bytes(data, size));
+    UseProgramFolder();
     orvex::App().SystemFolder = "C:\\WINDOWS\\system32";
     orvex::App().WindowsFolder = "C:\\WINDOWS";
     g_limit = 16 * size + 64 * 1024;
