@@ -163,19 +163,19 @@ class CipherOnForeignText : public testing::MemoryPlatformTest {
         App().DataFolder = "C:\\Data\\";
         files.addFolder("C:\\Data");
     }
-    std::string log() { return files.contents("C:\\Data\\ovs.ph"); }
 };
 
 TEST_F(CipherOnForeignText, MarkerAloneShortOrControlCharacterTextsAreErr2) {
     std::string marker = "<e";
     EXPECT_EQ(Decrypt(marker, "Tq3m"), "ERR2");
     EXPECT_EQ(marker, "");
-    EXPECT_NE(log().find("Procedure ( Shrink ) - Module ( Coding )"), std::string::npos);
+    EXPECT_NE(ErrorLog().find("Procedure ( Shrink ) - Module ( Coding )"), std::string::npos);
     for (std::string text : {"a<e", "abcdefghijklmnop<e", "\x01\x02\x03\x04\x05<e",
                              "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t<e"}) {
         EXPECT_EQ(Decrypt(text, "Tq3m"), "ERR2");
     }
-    EXPECT_NE(log().find("Error [ 5 ]:  Invalid procedure call or argument"), std::string::npos);
+    EXPECT_NE(ErrorLog().find("Error [ 5 ]:  Invalid procedure call or argument"),
+              std::string::npos);
 }
 
 }  // namespace

@@ -87,9 +87,6 @@ class DefinitionLoaderTest : public testing::MemoryPlatformTest {
     std::string Value(const char* name) {
         return registry.data(Hive::LocalMachine, config::kProductKey, name).value_or("<none>");
     }
-    std::string ErrorLog() {
-        return files.exists(kData + "ovs.ph") ? files.contents(kData + "ovs.ph") : "";
-    }
 
     DefinitionTables& t = Definitions();
     ui::HeadlessHost host;

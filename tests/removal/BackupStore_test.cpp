@@ -16,7 +16,6 @@ namespace orvex {
 namespace {
 
 const std::string kStore = "C:\\App\\Backup.Dat";
-const std::string kLog = "C:\\Data\\ovs.ph";
 const std::string kNow = "11/22/2026 7:14:05 PM";  // the memory machine's clock
 const std::string kFileLine = "File*" + kNow + "*C:\\x\\*a.exe*C:\\App\\Backup\\*1000012.asw*Spy";
 
@@ -42,8 +41,6 @@ class BackupStoreTest : public testing::MemoryPlatformTest {
         ui::ResetForms();
         BackupRecords().Clear();
     }
-
-    std::string Log() { return files.exists(kLog) ? files.contents(kLog) : ""; }
 
     static std::vector<std::string> Fields(const BackupRecord& r) {
         return {r.BackupDate,  r.BackupKind, r.OldLocation, r.OldName,
@@ -74,7 +71,7 @@ TEST_F(BackupStoreTest, AddBackupDatWritesTheFileOrderWithCaretsForEmptyFields) 
     EXPECT_EQ(BackupRecords().Count(), 0);
     AddBackupDat("File", "b.exe", "C:\\y\\", "2.asw", "C:\\B\\", "Spy", VbTrue);
     EXPECT_EQ(BackupRecords().Count(), 4);
-    EXPECT_EQ(Log(), "");
+    EXPECT_EQ(ErrorLog(), "");
 }
 
 TEST_F(BackupStoreTest, LoadBackupDatPutsTheDateFirst) {
@@ -109,8 +106,9 @@ TEST_F(BackupStoreTest, ShortLinesAreSkippedOrKeptWithTheirMissingFieldsLogged) 
     EXPECT_EQ(Fields(BackupRecords()[2]),
               (std::vector<std::string>{"d", "File", "l", "n", "nl", "nn", ""}));
     EXPECT_EQ(Fields(BackupRecords()[3]), std::vector<std::string>(7, ""));
-    EXPECT_NE(Log().find("Error [ 9 ]"), std::string::npos);
-    EXPECT_NE(Log().find("Procedure ( LoadBackupDat ) - Module ( Module1 )"), std::string::npos);
+    EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
+    EXPECT_NE(ErrorLog().find("Procedure ( LoadBackupDat ) - Module ( Module1 )"),
+              std::string::npos);
 }
 
 TEST_F(BackupStoreTest, StraySeparatorsAndBinaryBytesAreKeptAsTheyAre) {
@@ -131,7 +129,7 @@ TEST_F(BackupStoreTest, AnAbsentFileGivesAnEmptyTableWithoutAMessage) {
     BackupRecords().Add(stale);
     LoadBackupDat();
     EXPECT_EQ(BackupRecords().Count(), 0);
-    EXPECT_EQ(Log(), "");
+    EXPECT_EQ(ErrorLog(), "");
 }
 
 TEST_F(BackupStoreTest, SaveBackupDatRoundTripsTheRowsInFileOrder) {
@@ -155,7 +153,7 @@ TEST_F(BackupStoreTest, SaveBackupDatRoundTripsTheRowsInFileOrder) {
     SaveBackupDat(blocked.lvBackup, VbTrue);
     EXPECT_EQ(files.contents(kStore), "");
     EXPECT_EQ(BackupRecords().Count(), 0);
-    EXPECT_EQ(Log(), "");
+    EXPECT_EQ(ErrorLog(), "");
 
     // A row without columns is written with empty fields.
     blocked.lvBackup.ListItems.push_back(ui::ListItem{});
@@ -179,7 +177,7 @@ TEST_F(BackupStoreTest, ARewriteFailingHalfWayLeavesTheOldStore) {
     EXPECT_EQ(files.contents(kStore), old);
     EXPECT_FALSE(files.exists(AtomicFile::TempPathFor(kStore)));
     EXPECT_EQ(BackupRecords().Count(), 500);
-    EXPECT_NE(Log().find("Procedure ( SaveBackupDat )"), std::string::npos);
+    EXPECT_NE(ErrorLog().find("Procedure ( SaveBackupDat )"), std::string::npos);
 }
 
 TEST_F(BackupStoreTest, AnAppendThatCannotOpenTheStoreWritesNothing) {
@@ -188,7 +186,7 @@ TEST_F(BackupStoreTest, AnAppendThatCannotOpenTheStoreWritesNothing) {
     AddBackupDat("File", "b.exe", "C:\\y\\", "2.asw", "C:\\B\\", "Spy", VbFalse);
     files.lock(kStore, false);
     EXPECT_EQ(files.contents(kStore), kFileLine + "\r\n");
-    EXPECT_NE(Log().find("Procedure ( AddBackupDat )"), std::string::npos);
+    EXPECT_NE(ErrorLog().find("Procedure ( AddBackupDat )"), std::string::npos);
 }
 
 TEST_F(BackupStoreTest, TheStemIsTicksThenShownFilesCutToEightAndNeedsTheFolder) {

@@ -15,7 +15,6 @@ namespace orvex {
 namespace {
 
 const std::string kStore = "C:\\App\\Exclude.dat";
-const std::string kLog = "C:\\Data\\ovs.ph";
 
 struct Rec {
     std::string threat, kind, location, name;
@@ -48,7 +47,6 @@ class AllowedItemsTest : public testing::MemoryPlatformTest {
             out.push_back(row.Text);
         return out;
     }
-    std::string Log() { return files.exists(kLog) ? files.contents(kLog) : ""; }
     void Select(const std::string& threat) {
         for (ui::ListItem& row : frmexclude().lvE1.ListItems)
             row.Selected = row.Text == threat;
@@ -86,7 +84,7 @@ TEST_F(AllowedItemsTest, WriteExclusionsRoundTripsAndReloads) {
     EXPECT_EQ(Records(),
               (std::vector<Rec>{{"Spy", "FileSystem", "C:\\x\\", "a.exe"},
                                 {"Key", "Registry(Key)", "", "HKEY_CURRENT_USER\\Software\\Key"}}));
-    EXPECT_EQ(Log(), "");
+    EXPECT_EQ(ErrorLog(), "");
 }
 
 TEST_F(AllowedItemsTest, ACaretInAFieldShiftsTheFieldsAfterIt) {
@@ -118,13 +116,13 @@ TEST_F(AllowedItemsTest, AnAbsentOrLockedStoreLeavesTheListEmpty) {
     ExclusionRecords().Add({"stale", "FileSystem", "a", "b"});
     LoadExclusion();
     EXPECT_EQ(ExclusionRecords().Count(), 0);
-    EXPECT_EQ(Log(), "");
+    EXPECT_EQ(ErrorLog(), "");
 
     files.addFile(kStore, "Spy^a^b^FileSystem\r\n");
     files.lock(kStore);
     LoadExclusion();
     EXPECT_EQ(ExclusionRecords().Count(), 0);
-    EXPECT_NE(Log().find("Procedure ( LoadExclusion )"), std::string::npos);
+    EXPECT_NE(ErrorLog().find("Procedure ( LoadExclusion )"), std::string::npos);
 }
 
 TEST_F(AllowedItemsTest, TheWindowListsThreatsOnceAndOnlyKnownKinds) {
@@ -163,7 +161,7 @@ TEST_F(AllowedItemsTest, TakingAThreatOffWithTheLeftButtonRemovesAllItsRecords) 
     EXPECT_TRUE(form.lvE1.ListItems.empty());
     EXPECT_EQ(files.contents(kStore), "");
     EXPECT_EQ(ExclusionRecords().Count(), 0);
-    EXPECT_EQ(Log(), "");
+    EXPECT_EQ(ErrorLog(), "");
 }
 
 class AllowedItemsRewriteFailure : public AllowedItemsTest {
@@ -186,7 +184,7 @@ TEST_F(AllowedItemsRewriteFailure, AWriteFailingHalfWayLosesNothing) {
     EXPECT_EQ(files.contents(kStore), old_);
     EXPECT_FALSE(files.exists(AtomicFile::TempPathFor(kStore)));
     EXPECT_EQ(ExclusionRecords().Count(), 1000);
-    EXPECT_NE(Log().find("Procedure ( WriteExclusions )"), std::string::npos);
+    EXPECT_NE(ErrorLog().find("Procedure ( WriteExclusions )"), std::string::npos);
 }
 
 TEST_F(AllowedItemsRewriteFailure, AFullDiskIsRetriedAndTheRewriteCompletes) {
@@ -194,7 +192,7 @@ TEST_F(AllowedItemsRewriteFailure, AFullDiskIsRetriedAndTheRewriteCompletes) {
     WriteExclusions();
     EXPECT_EQ(files.contents(kStore), old_ + "New^C:\\^new.exe^FileSystem\r\n");
     EXPECT_EQ(ExclusionRecords().Count(), 1001);
-    EXPECT_NE(Log().find("Error [ 61 ]"), std::string::npos);
+    EXPECT_NE(ErrorLog().find("Error [ 61 ]"), std::string::npos);
 }
 
 TEST_F(AllowedItemsRewriteFailure, ARemovalThatCannotBeWrittenKeepsTheStore) {
@@ -203,7 +201,7 @@ TEST_F(AllowedItemsRewriteFailure, ARemovalThatCannotBeWrittenKeepsTheStore) {
     frmexclude().cmdRemove_Click();
     EXPECT_EQ(files.contents(kStore), old_);
     EXPECT_EQ(ExclusionRecords().Count(), 1000);
-    EXPECT_NE(Log().find("Procedure ( ReWriteExclusion1 )"), std::string::npos);
+    EXPECT_NE(ErrorLog().find("Procedure ( ReWriteExclusion1 )"), std::string::npos);
 }
 
 }  // namespace

@@ -46,9 +46,6 @@ class RecorderTest : public testing::ScanTest {
 
     static const ScumList& Rows() { return ScumListOfRun(); }
     static std::vector<std::string> List1() { return List1OfRun().Items(); }
-    std::string ErrorLog() {
-        return files.exists("C:\\Data\\ovs.ph") ? files.contents("C:\\Data\\ovs.ph") : "";
-    }
 };
 
 // ---------------------------------------------------------------------------------------

@@ -18,4 +18,9 @@ MemoryPlatformTest::~MemoryPlatformTest() {
     LngArray() = LanguageTable{};
 }
 
+std::string MemoryPlatformTest::ErrorLog() {
+    const std::string path = App().DataFolder + "ovs.ph";
+    return files.exists(path) ? files.contents(path) : "";
+}
+
 }  // namespace orvex::testing

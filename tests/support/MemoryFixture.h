@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 
 #include "platform/memory/MemoryPlatform.h"
 
@@ -14,6 +15,9 @@ class MemoryPlatformTest : public ::testing::Test {
   protected:
     MemoryPlatformTest();
     ~MemoryPlatformTest() override;
+
+    // The error log in App().DataFolder; empty when nothing was logged.
+    std::string ErrorLog();
 
     platform::memory::MemoryPlatform machine;
     // Short names for the parts, as tests use them all the time.
