@@ -15,7 +15,9 @@ int main(int argc, char** argv) {
         const bool written = EnsureCorpus(plan, paths);
         std::cout << paths.root.string() << ": " << plan.files.size() << " files in "
                   << plan.folders.size() << " folders, " << plan.totalBytes / (1024 * 1024)
-                  << " MiB, " << plan.planted.size() << " planted finds ("
+                  << " MiB, " << plan.planted.size() << " planted finds, "
+                  << plan.definitions.definitionLines.size() << " definition lines, "
+                  << plan.clamDigests.size() << " ClamAV digests ("
                   << (written ? "written" : "already complete") << ")\n";
         return 0;
     } catch (const std::exception& e) {
