@@ -67,19 +67,11 @@ TEST_F(ComScanTest, EachPlaceReportsAKeyUnderItsOwnLocation) {
         Locate();
         const std::vector<std::pair<std::string, std::string>> expected = {
             {place.rootName + "\\" + place.path + "\\", "Registry(Key)"}};
-        EXPECT_EQ(Found(), expected);
+        ASSERT_EQ(Found(), expected);  // the root place keeps its empty path: "...ROOT\\"
+        EXPECT_EQ(ScumListOfRun().row(1).item, kClsid);
+        EXPECT_EQ(ScumListOfRun().row(1).name, "BadBar");
         registry.removeKey(place.root, key);
     }
-}
-
-TEST_F(ComScanTest, RootPlaceKeepsTheEmptyPathInTheLocation) {
-    registry.addKey(Hive::ClassesRoot, kClsid);
-    Locate();
-    ASSERT_EQ(ScumListOfRun().count(), 1);
-    const ScumRow& row = ScumListOfRun().row(1);
-    EXPECT_EQ(row.location, "HKEY_CLASSES_ROOT\\\\");
-    EXPECT_EQ(row.item, kClsid);
-    EXPECT_EQ(row.name, "BadBar");
 }
 
 TEST_F(ComScanTest, KeyUnderTwoPlacesGivesTwoRows) {
