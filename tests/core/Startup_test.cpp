@@ -1,3 +1,5 @@
+// Startup_test.cpp: Main's switches, single instance, registry values, folders, pending
+// update and the first window's placement.
 #include "core/Startup.h"
 
 #include <gtest/gtest.h>
@@ -135,8 +137,15 @@ TEST_F(StartupTest, RegistryValuesAreWrittenEvenWhenLaterStepsFail) {
     EXPECT_TRUE(frmmain().Visible);
 }
 
-TEST_F(StartupTest, PendingApplicationUpdateIsHandedOverWhenItsFileExists) {
+// Without its file the pending update is kept for a later start.
+TEST_F(StartupTest, PendingApplicationUpdateIsHandedOverOnceItsFileExists) {
     registry.setString(Hive::LocalMachine, kKey, "Application Update", "1");
+    EXPECT_EQ(Main(""), StartOutcome::Running);
+    EXPECT_EQ(Value("Application Update"), "1");
+    EXPECT_TRUE(processes.startCalls().empty());
+
+    NewProcess();
+    const auto shownBefore = host.Shown().size();
     files.addFile(std::string(kAppFolder) + "\\update\\ovsupdate.exe", "MZ");
 
     EXPECT_EQ(Main(""), StartOutcome::UpdateHandedOver);
@@ -144,24 +153,16 @@ TEST_F(StartupTest, PendingApplicationUpdateIsHandedOverWhenItsFileExists) {
     EXPECT_EQ(processes.startCalls()[0].path, std::string(kAppFolder) + "\\update\\ovsupdate.exe");
     EXPECT_TRUE(processes.startCalls()[0].hidden);
     EXPECT_EQ(Value("Application Update"), "");
-    EXPECT_TRUE(host.Shown().empty());
+    EXPECT_EQ(host.Shown().size(), shownBefore);  // no window
     EXPECT_EQ(App().SingleInstanceMutex, 0u);
 }
 
-TEST_F(StartupTest, PendingApplicationUpdateWithoutItsFileIsKeptForNextStart) {
-    registry.setString(Hive::LocalMachine, kKey, "Application Update", "1");
-    EXPECT_EQ(Main(""), StartOutcome::Running);
-    EXPECT_EQ(Value("Application Update"), "1");
-    EXPECT_TRUE(processes.startCalls().empty());
-}
-
-TEST_F(StartupTest, TestSwitchChoosesTheTestEndpoint) {
+TEST_F(StartupTest, TestSwitchChoosesTheTestEndpointAndScanOpensTheScanPage) {
     Main("/test");
     EXPECT_TRUE(IsTrue(App().TestMode));
     EXPECT_EQ(App().UpdateBaseUrl, "http://test.orvexsentry.com:1051/");
-}
 
-TEST_F(StartupTest, ScanSwitchHidesTheMainWindowAndOpensTheScanPage) {
+    NewProcess();
     Main("/scan");
     EXPECT_TRUE(IsTrue(App().ScanOnStart));
     EXPECT_FALSE(frmmain().Visible);
