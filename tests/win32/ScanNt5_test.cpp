@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <cstring>
 #include <memory>
 #include <string>
 
@@ -19,30 +18,17 @@
 #include "scan/RunProc.h"
 #include "ui/Form.h"
 #include "ui/HeadlessHost.h"
+#include "win32/SleepingChild.h"
 
 namespace orvex {
 namespace {
 
-constexpr const char* kSleepArgument = "--orvex-scan-sleeping-child";
-constexpr DWORD kChildSleepMs = 60000;
-constexpr DWORD kChildUnendedExitCode = 3;
+using testing::kChildUnendedExitCode;
+using testing::kSleepArgument;
+using testing::ThisExecutable;
+
 constexpr const char* kPlantedName = "orvexplanted.exe";
 constexpr const char* kTestKey = "Software\\OrvexScanNt5Test";
-
-// A copy started with kSleepArgument sleeps before any test runs, then leaves on its own.
-[[maybe_unused]] const bool kSleepingChild = [] {
-    if (std::strstr(GetCommandLineA(), kSleepArgument) != nullptr) {
-        Sleep(kChildSleepMs);
-        ExitProcess(kChildUnendedExitCode);
-    }
-    return false;
-}();
-
-std::string ThisExecutable() {
-    char path[MAX_PATH + 1] = {};
-    GetModuleFileNameA(nullptr, path, MAX_PATH);
-    return path;
-}
 
 std::string FolderOf(const std::string& path) {
     return path.substr(0, path.rfind('\\') + 1);

@@ -7,21 +7,12 @@
 
 #include <algorithm>
 
-#include "core/Failure.h"
+#include "support/FailureOf.h"
 
 namespace orvex::platform::win32 {
 namespace {
 
-// The failure number a call raises, 0 when it raises none.
-template <class Call>
-int FailureOf(Call call) {
-    try {
-        call();
-    } catch (const Failure& failure) {
-        return failure.number();
-    }
-    return 0;
-}
+using testing::FailureOf;
 
 class Win32FilesTest : public ::testing::Test {
   protected:

@@ -10,35 +10,21 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstring>
 #include <set>
+
+#include "win32/SleepingChild.h"
 
 namespace orvex::platform::win32 {
 namespace {
 
-constexpr const char* kSleepArgument = "--orvex-sleeping-child";
-constexpr DWORD kChildSleepMs = 60000;
-constexpr DWORD kChildUnendedExitCode = 3;
-
-// A copy started with kSleepArgument sleeps before any test runs, then leaves on its own.
-[[maybe_unused]] const bool kSleepingChild = [] {
-    if (std::strstr(GetCommandLineA(), kSleepArgument) != nullptr) {
-        Sleep(kChildSleepMs);
-        ExitProcess(kChildUnendedExitCode);
-    }
-    return false;
-}();
+using testing::kChildUnendedExitCode;
+using testing::kSleepArgument;
+using testing::ThisExecutable;
 
 std::string Lower(std::string text) {
     for (char& c : text)
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return text;
-}
-
-std::string ThisExecutable() {
-    char path[MAX_PATH + 1] = {};
-    GetModuleFileNameA(nullptr, path, MAX_PATH);
-    return path;
 }
 
 std::string FileName(const std::string& path) {
