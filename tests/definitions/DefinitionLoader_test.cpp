@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <random>
 
 #include "core/AppState.h"
@@ -17,11 +15,14 @@
 #include "definitions/DefinitionCompiler.h"
 #include "definitions/DefinitionTables.h"
 #include "support/MemoryFixture.h"
+#include "support/SourceFile.h"
 #include "ui/HeadlessHost.h"
 #include "ui/MainWindow.h"
 
 namespace orvex {
 namespace {
+
+using testing::ReadSourceFile;
 
 using platform::Hive;
 using Lines = std::vector<std::string>;
@@ -35,11 +36,6 @@ std::string Record(std::string_view bytes) {
     std::string out{static_cast<char>(n & 0xFF), static_cast<char>(n >> 8 & 0xFF),
                     static_cast<char>(n >> 16 & 0xFF), static_cast<char>(n >> 24 & 0xFF)};
     return out + std::string(bytes);
-}
-
-std::string ReadSourceFile(const std::string& relative) {
-    std::ifstream in(std::string(ORVEX_SOURCE_DIR) + "/" + relative, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
 // The lines of a text table, without the empty element the array shape carries.

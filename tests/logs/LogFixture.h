@@ -3,8 +3,6 @@
 // allowed items and ScumList, no forms, and a headless host the test can script.
 #pragma once
 
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -15,6 +13,7 @@
 #include "review/AllowedItems.h"
 #include "scan/Recorder.h"
 #include "support/MemoryFixture.h"
+#include "support/SourceFile.h"
 #include "ui/Form.h"
 #include "ui/HeadlessHost.h"
 #include "ui/Language.h"
@@ -50,9 +49,7 @@ class LogTest : public MemoryPlatformTest {
     }
 
     void LoadEnglish() {
-        std::ifstream in(std::string(ORVEX_SOURCE_DIR) + "/lang/English.lng", std::ios::binary);
-        const std::string english{std::istreambuf_iterator<char>(in),
-                                  std::istreambuf_iterator<char>()};
+        const std::string english = ReadSourceFile("lang/English.lng");
         ASSERT_FALSE(english.empty());
         files.addFile(std::string(kFolder) + "\\English.lng", english);
         CurrentLanguage() = "English";

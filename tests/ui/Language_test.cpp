@@ -2,16 +2,17 @@
 // the shipped English language file.
 #include "ui/Language.h"
 
-#include <fstream>
-#include <iterator>
 #include <set>
 #include <string>
 
 #include "core/AppState.h"
 #include "support/MemoryFixture.h"
+#include "support/SourceFile.h"
 
 namespace orvex {
 namespace {
+
+using testing::ReadSourceFile;
 
 const std::string kFolder = "C:\\Program Files\\Orvex\\";
 
@@ -153,11 +154,6 @@ constexpr int kNamedIndexes[] = {
     1184, 1187, 1188, 1189, 1191, 1192, 1193, 1194, 1195, 1196, 1197, 1198, 1199, 1200, 1201,
     1202, 1203, 1204, 1205, 1206, 1207, 1208, 1209, 1210, 1218, 1219, 1220, 1221, 1222, 1227,
 };
-
-std::string ReadSourceFile(const std::string& relative) {
-    std::ifstream in(std::string(ORVEX_SOURCE_DIR) + "/" + relative, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 
 TEST_F(LanguageTest, EnglishFileFillsEveryNamedIndex) {
     const std::string english = ReadSourceFile("lang/English.lng");
