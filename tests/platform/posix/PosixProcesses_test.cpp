@@ -116,15 +116,11 @@ TEST(PosixProcesses, StartedChildIsListedTerminatedAndLeavesNoZombie) {
     EXPECT_TRUE(gone);
 }
 
-TEST(PosixProcesses, StartOfAMissingProgramFails) {
+// Terminate refuses 0 and -1, which would signal our whole group or every process we may.
+TEST(PosixProcesses, MissingProgramsDoNotStartAndGroupOrBroadcastIdsAreNotEnded) {
     PosixProcesses processes;
     EXPECT_FALSE(processes.start("C:\\no\\such\\program", "", true));
     EXPECT_FALSE(processes.start("D:\\elsewhere.exe", "", true));
-}
-
-// 0 and -1 would signal our whole group or every process we may signal.
-TEST(PosixProcesses, TerminateRefusesGroupAndBroadcastIds) {
-    PosixProcesses processes;
     EXPECT_FALSE(processes.terminate(0));
     EXPECT_FALSE(processes.terminate(UINT32_MAX));
     EXPECT_FALSE(processes.terminate(static_cast<std::uint32_t>(INT_MAX) + 1u));
