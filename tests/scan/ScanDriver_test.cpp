@@ -171,20 +171,19 @@ TEST_F(ScanDriverTest, ThePageSendsItselfAwayWhenItLoadsAfterAStop) {
     EXPECT_FALSE(LastScanWritten());
 }
 
+// Past the signed tick range the wait fails at once and is logged.
 TEST_F(ScanDriverTest, WaitYieldsUntilTheTicksHavePassed) {
     system.setTickCount(5000);
-    const int before = host.Yields();
+    int before = host.Yields();
     Wait(2);
     EXPECT_GE(host.Yields() - before, 2000);
     EXPECT_LE(host.Yields() - before, 2002);
-}
 
-TEST_F(ScanDriverTest, WaitPastTheSignedTickRangeFailsWithoutWaiting) {
     system.setTickCount(0x7FFFFFF0u);
-    const int before = host.Yields();
+    before = host.Yields();
     Wait(1);
     EXPECT_EQ(host.Yields(), before);
-    EXPECT_TRUE(files.fileExists("C:\\Data\\ovs.ph"));
+    EXPECT_NE(ErrorLog(), "");
 }
 
 }  // namespace
