@@ -12,8 +12,8 @@
 #include "core/Config.h"
 #include "definitions/DefinitionTables.h"
 #include "scan/Recorder.h"
-#include "scan/ScanPage.h"
 #include "scan/ScanFixture.h"
+#include "scan/ScanPage.h"
 #include "ui/Form.h"
 #include "ui/HeadlessHost.h"
 
