@@ -10,6 +10,7 @@
 #include "core/AppState.h"
 #include "definitions/DefinitionTables.h"
 #include "platform/memory/MemoryPlatform.h"
+#include "scan/DefinitionLookup.h"
 #include "scan/Recorder.h"
 
 namespace {
@@ -67,6 +68,7 @@ void BM_ScumListDetailsAdd(benchmark::State& state) {
     BenchMachine machine;
     LoadItemList(static_cast<int>(state.range(0)));
     const auto& findings = Findings();
+    const orvex::ScopedDefinitionLookup lookup;  // as a scan has
     for (auto _ : state) {
         orvex::ScumListOfRun().clear();
         orvex::List1OfRun().Clear();
@@ -85,6 +87,7 @@ void BM_ScumListDetailsAddDuplicates(benchmark::State& state) {
     BenchMachine machine;
     LoadItemList(kNames);
     const auto& findings = Findings();
+    const orvex::ScopedDefinitionLookup lookup;  // as a scan has
     orvex::ScumListOfRun().clear();
     for (const auto& f : findings)
         orvex::ScumListDetailsAdd(f.name, f.category, f.location, f.item, f.level);

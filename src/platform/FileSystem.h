@@ -72,6 +72,9 @@ class FileSystem {
     // The entries of a folder, without "." and "..". Win32 keeps the system's order; other
     // back-ends sort by name so that walks are reproducible.
     virtual std::vector<DirEntry> list(std::string_view folder) = 0;
+    // As list(), but only names and the folder attribute are sure to be filled: a walk
+    // needs no more, and some back-ends can skip a status call per entry.
+    virtual std::vector<DirEntry> listNames(std::string_view folder) { return list(folder); }
     // Raise 53/76 when the path does not exist.
     virtual std::string shortPath(std::string_view path) = 0;
     virtual std::string longPath(std::string_view path) = 0;

@@ -1,12 +1,15 @@
-// DefinitionLookup.h: where the file scan's walks over Md5Index and FileIndex end and hit,
-// computed once per scan so a file costs a few comparisons instead of a walk.
+// DefinitionLookup.h: where the scans' walks over Md5Index, FileIndex and [ItemList] end and
+// hit, worked out once per scan so an item costs a few comparisons instead of a walk.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -15,40 +18,57 @@ namespace orvex {
 struct DefinitionTables;
 
 // The walks stay as they are defined (in order, a yield per record, a stop test before
-// each); this only tells a walker, without walking, which records it would stop at. The
-// tables must not change while a lookup built from them is in use.
+// each); this only tells a walker, without walking, which records it would stop at. Each
+// part is built when first asked for. The tables must not change while a lookup built
+// from them is in use.
 class DefinitionLookup {
   public:
-    explicit DefinitionLookup(const DefinitionTables& tables);
+    explicit DefinitionLookup(const DefinitionTables& tables) : tables_(tables) {}
+
+    using Keyed = std::vector<std::pair<std::string_view, std::uint32_t>>;
+    // The records whose key is the one asked for, ascending by index in `.second`.
+    using Hits = std::span<const Keyed::value_type>;
 
     // Records of Md5Index the digest walk visits before it leaves: the index of the first
     // record whose FirstChar is above `first`, or the table's size.
     std::size_t DigestWalkEnd(int first) const;
-    // Indices of the Md5Index records whose Hash is `md5`, ascending.
-    std::vector<std::size_t> DigestHits(std::string_view md5) const;
+    // The Md5Index records whose Hash is `md5`.
+    Hits DigestHits(std::string_view md5) const;
 
     // The index of the FileIndex record at which the name walk leaves because its first
     // character has passed `first`, or the table's size.
     std::size_t NameWalkEnd(int first) const;
-    // Indices of the FileIndex records whose FileName is `fileName`, ascending.
-    std::vector<std::size_t> NameHits(std::string_view fileName) const;
+    // The FileIndex records whose FileName is `fileName`.
+    Hits NameHits(std::string_view fileName) const;
+
+    // The first [ItemList] line whose first field, in lower case, is `folded`.
+    std::optional<std::size_t> ItemListLine(const std::string& folded) const;
 
   private:
-    using Keyed = std::vector<std::pair<std::string_view, std::uint32_t>>;
-    static std::vector<std::size_t> Hits(const Keyed& keyed, std::string_view key);
-    static std::size_t WalkEnd(const std::vector<int>& runningMax, int first);
+    // One sorted table: the running maximum of the first characters, and (key, index).
+    struct Walk {
+        std::vector<int> runningMax;
+        Keyed keyed;
+        // Each key's run in `keyed`, as (first, past the last).
+        std::unordered_map<std::string_view, std::pair<std::uint32_t, std::uint32_t>> runs;
+    };
+    static void IndexRuns(Walk& walk);
+    const Walk& Digests() const;
+    const Walk& Names() const;
+    static std::size_t WalkEnd(const Walk& walk, int first);
+    static Hits Find(const Walk& walk, std::string_view key);
 
-    std::vector<int> digestRunningMax_;  // highest FirstChar up to each record
-    std::vector<int> nameRunningMax_;    // highest first character up to each record
-    Keyed digests_;                      // (Hash, index) sorted
-    Keyed names_;                        // (FileName, index) sorted
+    const DefinitionTables& tables_;
+    mutable std::optional<Walk> digests_;
+    mutable std::optional<Walk> names_;
+    mutable std::optional<std::unordered_map<std::string, std::size_t>> itemList_;
 };
 
 // The lookup in use, or null when none is installed.
 const DefinitionLookup* ActiveDefinitionLookup();
 
-// Builds a lookup from Definitions() and installs it for its own lifetime, unless one is
-// installed already. A scan installs one for its whole length.
+// Installs a lookup over Definitions() for its own lifetime, unless one is installed
+// already. A scan installs one for its whole length.
 class ScopedDefinitionLookup {
   public:
     ScopedDefinitionLookup();

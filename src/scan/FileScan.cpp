@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <new>
 #include <string_view>
 
@@ -52,7 +53,7 @@ std::string NotFoundText() {
 // A search that cannot be opened finds nothing; a folder that can't be read is passed by.
 std::vector<platform::DirEntry> Search(const std::string& folder) {
     try {
-        return platform::Files().list(folder);
+        return platform::Files().listNames(folder);
     } catch (const Failure&) {
         return {};
     } catch (const std::bad_alloc&) {
@@ -113,7 +114,8 @@ bool DigestListed(const DefinitionLookup& lookup, const std::string& md5,
     const std::size_t end = lookup.DigestWalkEnd(first);
     bool recognised = false;
     std::size_t at = 0;
-    for (const std::size_t hit : lookup.DigestHits(md5)) {
+    for (const auto& entry : lookup.DigestHits(md5)) {
+        const std::size_t hit = entry.second;
         if (hit >= end || index[hit].FirstChar != first) continue;
         if (!PassRecords(hit - at) || Stopped()) return recognised;
         recognised = true;
@@ -140,7 +142,8 @@ bool NameListed(const DefinitionLookup& lookup, const std::string& fileName,
     const std::size_t end = std::min(lookup.NameWalkEnd(first), walked);
     bool recognised = false;
     std::size_t at = 0;
-    for (const std::size_t hit : lookup.NameHits(fileName)) {
+    for (const auto& entry : lookup.NameHits(fileName)) {
+        const std::size_t hit = entry.second;
         if (hit >= end) break;
         if (!PassRecords(hit - at) || Stopped()) return recognised;
         ui::DoEvents();
@@ -244,9 +247,10 @@ std::string MD5File(const std::string& path) {
     try {
         auto stream = platform::Files().open(path, platform::OpenMode::Read);
         platform::Md5 digest;
-        std::string chunk(kReadChunk, '\0');
-        while (const std::size_t got = stream->read(chunk.data(), chunk.size()))
-            digest.update(chunk.data(), got);
+        // One buffer for every file: the scan hashes tens of thousands of them.
+        static const std::unique_ptr<char[]> chunk(new char[kReadChunk]);
+        while (const std::size_t got = stream->read(chunk.get(), kReadChunk))
+            digest.update(chunk.get(), got);
         return digest.hexDigest();
     } catch (const Failure&) {
         return NotFoundText();

@@ -2,6 +2,7 @@
 // file name and Occurs.
 #include "scan/Recorder.h"
 
+#include <optional>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
@@ -14,6 +15,7 @@
 #include "definitions/DefinitionTables.h"
 #include "platform/AnsiCase.h"
 #include "platform/FileHelper.h"
+#include "scan/DefinitionLookup.h"
 #include "scan/ScanPage.h"
 #include "ui/UiHost.h"
 
@@ -105,46 +107,20 @@ void UpdateList1(const std::string& newName, bool inStep) {
 // ---------------------------------------------------------------------------------------
 // Severity and icon.
 
-// ANSI case folding as a table, for the severity walk that meets every [ItemList] line.
-struct FoldTable {
-    unsigned char lower[256];
-    FoldTable() {
-        for (int c = 0; c < 256; ++c)
-            lower[c] = AnsiLower(static_cast<unsigned char>(c));
-    }
-};
-const FoldTable kFold;
-
-// Whether the first field of `line` (the text before its first "|") is `folded`, which is
-// a name in lower case. Lengths first, then both ends, as names often share a stem.
-bool FirstFieldIs(std::string_view line, std::string_view folded) {
-    const std::size_t n = folded.size();
-    if (line.size() < n || (line.size() > n && line[n] != '|')) return false;
-    auto same = [&](std::size_t i) {
-        return kFold.lower[static_cast<unsigned char>(line[i])] ==
-               static_cast<unsigned char>(folded[i]);
-    };
-    if (n == 0) return true;
-    if (!same(0) || !same(n - 1)) return false;
-    for (std::size_t i = 1; i + 1 < n; ++i)
-        if (!same(i)) return false;
-    return true;
-}
-
 // The risk of the first [ItemList] line whose first field is `name` (case-blind); 1 when
 // no line has it or its risk is empty. A risk that is no number is failure 13.
 int Severity(const std::string& name) {
     const std::string folded = LCase(name);
     // A name holding "|" can equal no first field.
     if (folded.find('|') != std::string::npos) return 1;
-    for (const std::string& line : Definitions().ItemListDefs.Items) {
-        if (line.empty() || !FirstFieldIs(line, folded)) continue;  // "" has no fields at all
-        if (line.size() == folded.size()) return 1;
-        const std::string_view rest = std::string_view(line).substr(folded.size() + 1);
-        const std::string_view risk = rest.substr(0, rest.find('|'));
-        return risk.empty() ? 1 : CInt(risk);
-    }
-    return 1;
+    const ScopedDefinitionLookup scoped;
+    const std::optional<std::size_t> at = scoped.Lookup().ItemListLine(folded);
+    if (!at) return 1;
+    const std::string& line = Definitions().ItemListDefs.Items[*at];
+    if (line.size() == folded.size()) return 1;
+    const std::string_view rest = std::string_view(line).substr(folded.size() + 1);
+    const std::string_view risk = rest.substr(0, rest.find('|'));
+    return risk.empty() ? 1 : CInt(risk);
 }
 
 int IconFor(int severity) {
@@ -330,17 +306,20 @@ std::int32_t ExclusionRoutine(std::string fileName, std::string folder, const st
         const TextTable& defs = Definitions().ExclusionDefs;
         bool matched = false;
         std::vector<std::string> fields;
-        // By index, and the line copied: the yield may let a reload replace the table.
+        // By index, and nothing kept across the yield: it may let a reload replace the table.
         for (std::size_t i = 0; i < defs.Items.size(); ++i) {
             ui::DoEvents();
             if (i >= defs.Items.size()) break;
-            const std::string line = defs.Items[i];
+            const std::string& line = defs.Items[i];
             fields.clear();
-            if (line.empty() || Occurs(line, "|") < 6) continue;
+            if (line.empty()) continue;
+            // A line before the name's first character is passed whatever its fields, so
+            // the costly field count is left to the others.
+            if (!fileName.empty() && Asc(fileName) > Asc(line)) continue;
+            if (Occurs(line, "|") < 6) continue;
             const int wanted = Asc(fileName);
             const int first = Asc(line);
             if (wanted < first) return;  // sorted: the name cannot come any more
-            if (wanted > first) continue;
             fields = Split(line, "|");
             if (LCase(fields[kFileName]) != fileName) continue;
             if (!fields[kCodeOnName].empty() && !matched) result = CLng(fields[kCodeOnName]);

@@ -205,8 +205,8 @@ Fd OpenRegular(const std::string& native, int flags) {
     if (!fd) RaiseErrno(errno, native, Target::File);
     struct stat st {};
     if (::fstat(fd.get(), &st) != 0) Raise(FailureFromErrno(errno));
+    // O_NONBLOCK is left on: it changes nothing for a regular file.
     if (!S_ISREG(st.st_mode)) Raise(failure::kPathFileAccess);
-    ::fcntl(fd.get(), F_SETFL, ::fcntl(fd.get(), F_GETFL) & ~O_NONBLOCK);
     return fd;
 }
 
@@ -309,8 +309,9 @@ int PosixFiles::driveType(std::string_view root) {
     return IsDriveRoot(root) ? drivetype::kFixed : drivetype::kNoRoot;
 }
 
-std::vector<DirEntry> PosixFiles::list(std::string_view folder) {
-    std::string n = native(folder);
+// Reads a folder's entries through `entryOf`, sorted by name.
+template <typename EntryOf>
+std::vector<DirEntry> ListFolder(const std::string& n, EntryOf entryOf) {
     int fd = ::open(n.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd < 0) RaiseErrno(errno, n, Target::Folder);
     DIR* dir = ::fdopendir(fd);
@@ -330,13 +331,30 @@ std::vector<DirEntry> PosixFiles::list(std::string_view folder) {
         }
         std::string_view name = e->d_name;
         if (name == "." || name == "..") continue;
-        if (auto entry = EntryOf(fd, e->d_name)) entries.push_back(std::move(*entry));
+        if (auto entry = entryOf(fd, *e)) entries.push_back(std::move(*entry));
     }
     ::closedir(dir);
     if (err != 0) Raise(FailureFromErrno(err, true));
     std::sort(entries.begin(), entries.end(),
               [](const DirEntry& a, const DirEntry& b) { return a.name < b.name; });
     return entries;
+}
+
+std::vector<DirEntry> PosixFiles::list(std::string_view folder) {
+    return ListFolder(native(folder),
+                      [](int fd, const dirent& e) { return EntryOf(fd, e.d_name); });
+}
+
+// The kind from the folder itself where the file system gives it; a link is never a
+// folder here, as in list().
+std::vector<DirEntry> PosixFiles::listNames(std::string_view folder) {
+    return ListFolder(native(folder), [](int fd, const dirent& e) -> std::optional<DirEntry> {
+        if (e.d_type == DT_UNKNOWN) return EntryOf(fd, e.d_name);
+        DirEntry entry;
+        entry.name = e.d_name;
+        entry.attributes = e.d_type == DT_DIR ? attr::kDirectory : attr::kNormal;
+        return entry;
+    });
 }
 
 // No 8.3 names here: both forms are the path itself once it is known to exist.

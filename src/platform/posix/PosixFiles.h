@@ -42,6 +42,7 @@ class PosixFiles : public FileSystem {
     std::vector<std::string> drives() override;
     int driveType(std::string_view root) override;
     std::vector<DirEntry> list(std::string_view folder) override;
+    std::vector<DirEntry> listNames(std::string_view folder) override;
     std::string shortPath(std::string_view path) override;
     std::string longPath(std::string_view path) override;
     std::uint32_t attributes(std::string_view path) override;
