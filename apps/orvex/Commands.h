@@ -2,6 +2,8 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <optional>
+#include <string>
 
 namespace orvex::cli {
 
@@ -9,6 +11,10 @@ namespace orvex::cli {
 inline constexpr int kExitClean = 0;
 inline constexpr int kExitThreats = 1;
 inline constexpr int kExitError = 2;
+
+// The engine path of a file or folder named on the command line; none when the program
+// cannot reach it.
+std::optional<std::string> EnginePath(const std::string& nativePath);
 
 // Each adds its subcommand; the callback sets `exitCode`.
 void AddVersionCommand(CLI::App& app, int& exitCode);

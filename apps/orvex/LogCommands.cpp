@@ -9,9 +9,6 @@
 #include "logs/LogFile.h"
 #include "platform/FileHelper.h"
 #include "platform/Platform.h"
-#ifndef _WIN32
-#include "platform/posix/PosixFiles.h"
-#endif
 
 namespace orvex::cli {
 namespace {
@@ -20,15 +17,6 @@ namespace {
 std::string DefaultLogPath() {
     const std::string exe = platform::Sys().executablePath();
     return platform::FileHelper::FolderPart(exe) + "Logged.txt";
-}
-
-// The engine path of a file named on the command line.
-std::optional<std::string> EnginePath(const std::string& nativePath) {
-#ifdef _WIN32
-    return nativePath;
-#else
-    return platform::EnginePathFromNative(nativePath);
-#endif
 }
 
 // The record with plain line ends, closed by one.

@@ -16,8 +16,6 @@
 #include <io.h>
 #else
 #include <unistd.h>
-
-#include "platform/posix/PosixFiles.h"
 #endif
 
 namespace orvex::cli {
@@ -27,15 +25,6 @@ struct ScanOptions {
     std::string data, path, appDir;
     bool json = false;
 };
-
-// The engine path of a folder named on the command line.
-std::optional<std::string> EnginePath(const std::string& nativePath) {
-#ifdef _WIN32
-    return nativePath;
-#else
-    return platform::EnginePathFromNative(nativePath);
-#endif
-}
 
 bool StdoutIsTerminal() {
 #ifdef _WIN32

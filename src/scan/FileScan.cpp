@@ -95,12 +95,10 @@ struct WalkFrame {
     std::size_t next = 0;
 };
 
-// `count` records of a walk that neither hit nor end it: each is a stop test and a yield.
-// False when a stop request ended the walk.
+// `count` records of a walk that neither hit nor end it, each a stop test and a yield, then
+// the stop test of the record after them. False when a stop request ended the walk.
 bool PassRecords(std::size_t count) {
-    if (count == 0) return true;
-    if (Stopped()) return false;
-    ui::DoEvents(static_cast<std::int64_t>(count), Stopped);
+    if (count > 0 && !Stopped()) ui::DoEvents(static_cast<std::int64_t>(count), Stopped);
     return !Stopped();
 }
 
@@ -117,7 +115,7 @@ bool DigestListed(const DefinitionLookup& lookup, const std::string& md5,
     for (const auto& entry : lookup.DigestHits(md5)) {
         const std::size_t hit = entry.second;
         if (hit >= end || index[hit].FirstChar != first) continue;
-        if (!PassRecords(hit - at) || Stopped()) return recognised;
+        if (!PassRecords(hit - at)) return recognised;
         recognised = true;
         if (!IsTrue(testOnly)) {
             Report(folder, fileName, "found", index[hit].Name);
@@ -126,7 +124,7 @@ bool DigestListed(const DefinitionLookup& lookup, const std::string& md5,
         ui::DoEvents();
         at = hit + 1;
     }
-    if (!PassRecords(end - at)) return recognised;
+    PassRecords(end - at);
     return recognised;
 }
 
@@ -145,7 +143,7 @@ bool NameListed(const DefinitionLookup& lookup, const std::string& fileName,
     for (const auto& entry : lookup.NameHits(fileName)) {
         const std::size_t hit = entry.second;
         if (hit >= end) break;
-        if (!PassRecords(hit - at) || Stopped()) return recognised;
+        if (!PassRecords(hit - at)) return recognised;
         ui::DoEvents();
         ui::DoEvents();
         ui::DoEvents();
@@ -160,8 +158,7 @@ bool NameListed(const DefinitionLookup& lookup, const std::string& fileName,
         }
         at = hit + 1;
     }
-    if (!PassRecords(end - at)) return recognised;
-    if (end < walked && !Stopped()) ui::DoEvents();
+    if (PassRecords(end - at) && end < walked) ui::DoEvents();
     return recognised;
 }
 
