@@ -24,12 +24,12 @@
 #include <vector>
 
 #include "CorpusGenerator.h"
+#include "app/ScanRunner.h"
 #include "platform/Platform.h"
 #include "platform/posix/PosixFiles.h"
 #include "platform/posix/PosixProcesses.h"
 #include "platform/posix/PosixRegistry.h"
 #include "platform/posix/PosixSystem.h"
-#include "scan/ScanRunner.h"
 
 namespace {
 

@@ -5,7 +5,8 @@
 
 #include <string>
 
-#include "core/Startup.h"
+#include "app/Startup.h"
+#include "core/AppState.h"
 #include "platform/Platform.h"
 #include "ui/Form.h"
 #include "ui/HeadlessHost.h"

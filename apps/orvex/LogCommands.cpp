@@ -5,8 +5,8 @@
 #include <string>
 
 #include "Commands.h"
-#include "core/Failure.h"
 #include "logs/LogFile.h"
+#include "platform/Failure.h"
 #include "platform/FileHelper.h"
 #include "platform/Platform.h"
 

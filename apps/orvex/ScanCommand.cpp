@@ -8,10 +8,10 @@
 #include <string>
 
 #include "Commands.h"
-#include "core/Failure.h"
+#include "app/ScanRunner.h"
+#include "platform/Failure.h"
 #include "platform/FileHelper.h"
 #include "platform/Platform.h"
-#include "scan/ScanRunner.h"
 #ifdef _WIN32
 #include <io.h>
 #else

@@ -5,7 +5,7 @@
 #include <iostream>
 
 #include "Commands.h"
-#include "core/Failure.h"
+#include "platform/Failure.h"
 #include "platform/Platform.h"
 
 int main(int argc, char** argv) {

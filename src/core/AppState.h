@@ -61,4 +61,7 @@ LanguageTable& LngArray();
 // LngArray entry n; failure 9 (subscript out of range) outside 0..1300.
 const std::string& Lng(int n);
 
+// Releases the single-instance marker that start-up took; every exit after start-up calls it.
+void ReleaseSingleInstanceMutex();
+
 }  // namespace orvex

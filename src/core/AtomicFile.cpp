@@ -1,7 +1,7 @@
 // AtomicFile.cpp: the temporary-file-and-replace rewrite of whole files.
 #include "core/AtomicFile.h"
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 #include "platform/Platform.h"
 
 namespace orvex {

@@ -7,7 +7,7 @@
 #include <limits>
 #include <optional>
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 
 namespace orvex {
 namespace {

@@ -15,7 +15,7 @@
 #include <string>
 #include <utility>
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 
 namespace orvex {
 

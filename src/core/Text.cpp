@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 
 namespace orvex {
 namespace {
@@ -112,6 +112,16 @@ std::int64_t InStrRev(std::string_view text, std::string_view find, Compare comp
                        SameFolded))
             return static_cast<std::int64_t>(at) + 1;
     return 0;
+}
+
+std::int32_t Occurs(std::string_view text, std::string_view delimiter) {
+    if (text.empty()) return 0;
+    if (delimiter.empty()) return 1;
+    std::int32_t pieces = 1;
+    for (std::size_t at = text.find(delimiter); at != std::string_view::npos;
+         at = text.find(delimiter, at + delimiter.size()))
+        ++pieces;
+    return pieces;
 }
 
 std::vector<std::string> Split(std::string_view text, std::string_view separator, int limit,

@@ -31,6 +31,10 @@ inline std::int64_t InStr(std::string_view text, std::string_view find,
 std::int64_t InStrRev(std::string_view text, std::string_view find,
                       Compare compare = Compare::Binary);
 
+// The number of pieces splitting `text` by `delimiter` gives: 0 for an empty text, 1 for
+// an empty delimiter.
+std::int32_t Occurs(std::string_view text, std::string_view delimiter);
+
 // The pieces between separators: none for an empty text, separators + 1 otherwise. An
 // empty separator gives the whole text as one piece. `limit` > 0 caps the piece count,
 // the last piece keeping the rest.

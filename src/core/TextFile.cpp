@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 #include "platform/Platform.h"
 
 namespace orvex {

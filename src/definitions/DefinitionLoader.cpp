@@ -15,9 +15,9 @@
 #include "core/Version.h"
 #include "definitions/Cipher.h"
 #include "definitions/DefinitionTables.h"
+#include "definitions/LoadReport.h"
 #include "platform/FileHelper.h"
 #include "platform/RegistryHelper.h"
-#include "ui/MainWindow.h"
 #include "ui/UiHost.h"
 
 namespace orvex {
@@ -27,11 +27,6 @@ constexpr const char* kModule = "Module1";
 constexpr const char* kStaticFile = "ovsstatic.dat";
 constexpr const char* kDefinitionFile = "ovsdef.dat";
 constexpr std::size_t kPrefixSize = 4;
-
-// Pictures of frmmain's image set.
-constexpr int kScanNormalPicture = 1;
-constexpr int kUpdateNormalPicture = 4;
-constexpr int kUpdateHoverPicture = 6;
 
 enum Section : std::size_t {
     kMd5,
@@ -328,33 +323,12 @@ void LoadDefinitionFile(Procedure& proc, const std::string& path) {
         const LineList lines(proc, path, false);
         SectionParser(proc, FileKind::Definitions).Parse(lines);
     }
-    FrmMain& form = frmmain();
-    form.Image3.Enabled = true;
-    form.Image3.Picture = kUpdateNormalPicture;
-    form.mnuRun.Enabled = true;
+    TheLoadReport().DefinitionFileRead();
 }
 
 void ReportMissingDefinitions() {
-    FrmMain& form = frmmain();
-    form.Image4.Enabled = true;
-    form.mnuRun.Enabled = false;
-    form.Image3.Enabled = true;
-    form.Image3.Picture = kUpdateHoverPicture;
+    TheLoadReport().DefinitionFileMissing();
     ui::Host().MsgBox(Lng(175), ui::msgbox::kOkOnly, config::kProductTitle);
-}
-
-void ShowDefinitionDate() {
-    const std::string& date = App().DefinitionDate;
-    frmmain().lbl1.Caption = date.empty() ? Lng(177) : Lng(176) + " " + date;
-}
-
-void EnableScan() {
-    FrmMain& form = frmmain();
-    form.Image3.Enabled = true;
-    form.Image4.Enabled = true;
-    form.Image3.Picture = kUpdateNormalPicture;
-    form.Image2.Enabled = true;
-    form.Image2.Picture = kScanNormalPicture;
 }
 
 // The pivot index (low + high) / 2, rounded half to even as a classic array subscript is.
@@ -428,7 +402,7 @@ void LoadStaticDat() {
             const LineList lines(proc, path, true);
             SectionParser(proc, FileKind::Static).Parse(lines);
         }
-        frmmain().lvFiles.ListItems.clear();
+        TheLoadReport().FileListCleared();
     });
 }
 
@@ -443,8 +417,8 @@ void LoadReferenceFiles() {
         } else {
             ReportMissingDefinitions();
         }
-        frmmain().lvFiles.ListItems.clear();
-        ShowDefinitionDate();
+        TheLoadReport().FileListCleared();
+        TheLoadReport().DefinitionDate(App().DefinitionDate);
         DefinitionTables& t = Definitions();
         // Fewer than two file names: everything else stays loaded, but unsorted, and the
         // scan stays off.
@@ -452,8 +426,8 @@ void LoadReferenceFiles() {
         if (usable) SortAndIndex(proc);
         ResetTextTable(t.Md5Defs);
         WriteVersionValues();
-        if (usable) EnableScan();
-        frmmain().lbldef.Caption = "Definition File date: " + App().DefinitionDate;
+        if (usable) TheLoadReport().ScanAllowed();
+        TheLoadReport().LoadFinished(App().DefinitionDate);
     });
 }
 

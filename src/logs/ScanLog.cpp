@@ -1,30 +1,21 @@
-// ScanLog.cpp: the records of Logged.txt, the allowed-list gate, and what the
-// removal words do to the ScumList and to frmremoval.
+// ScanLog.cpp: the records of Logged.txt, one enciphered record per action word.
 #include "logs/ScanLog.h"
 
-#include <new>
 #include <optional>
 #include <utility>
 
 #include "core/AppState.h"
 #include "core/DateText.h"
-#include "core/Failure.h"
 #include "core/Text.h"
 #include "core/TextFile.h"
 #include "core/Version.h"
 #include "definitions/Cipher.h"
-#include "definitions/DefinitionTables.h"
-#include "removal/RemovalPage.h"
-#include "review/AllowedItems.h"
-#include "scan/Recorder.h"
-#include "ui/UiHost.h"
 
 namespace orvex {
 namespace {
 
 constexpr const char* kCrLf = "\r\n";
 constexpr const char* kSeparator = "*****************";
-constexpr const char* kExcludedWord = "Included on Exclude List";
 
 // What a record is made of, gathered once per call.
 struct Pieces {
@@ -106,78 +97,14 @@ std::string RecordKey(const std::string& action) {
     return LogKey();
 }
 
-// The gate looks at the definitions' [Exclusion] table, yet searches the user's
-// list: with no [Exclusion] lines loaded nothing counts as allowed.
-bool OnAllowedList(const std::string& location, const std::string& item, const std::string& name,
-                   const std::string& category) {
-    if (item.empty() || Definitions().ExclusionDefs.Count < 1) return false;
-    const std::string lowerName = LCase(name);
-    const std::string lowerItem = LCase(item);
-    bool matched = false;
-    for (const ExclusionRecord& r : ExclusionRecords()) {
-        if (LCase(r.ThreatName) == lowerName && r.ItemKind == category &&
-            r.ItemLocation == location && LCase(r.ItemName) == lowerItem)
-            matched = true;
-    }
-    return matched;
-}
-
-void AdvanceOnDelete() {
-    if (IsTrue(App().RemovalCancelled)) return;
-    FrmRemoval& form = frmremoval();
-    form.Label2.Caption = Lng(298);
-    if (form.pb1.Max > form.pb1.Value) ++form.pb1.Value;
-    if (form.pb1.Value != form.pb1.Max) return;
-    form.PlayGif1.Stop();
-    form.PlayGif1.Visible = false;
-    form.Label2.Caption.clear();
-    form.Label1.Caption = Lng(1218);
-    form.pb1.Visible = false;
-    ui::Unload(form);
-}
-
-void AdvanceOnManualRemoval() {
-    FrmRemoval& form = frmremoval();
-    if (form.pb1.Max > form.pb1.Value) ++form.pb1.Value;  // the renderer repaints from it
-    if (form.pb1.Value == form.pb1.Max) form.PlayGif1.Stop();
-}
-
-void ApplySideEffects(const std::string& action, std::int32_t listIndex) {
-    if (action == "File In List Not Found") {
-        ScumListOfRun().removeRow(listIndex);
-    } else if (action == "delete") {
-        ui::DoEvents();
-        ScumListOfRun().removeRow(listIndex);
-        AdvanceOnDelete();
-    } else if (action == "Manual Intervention Required") {
-        AdvanceOnManualRemoval();
-    }
-}
-
 }  // namespace
 
-VbBool ScanLogWrite(std::string location, std::string item, std::string action, std::string name,
-                    std::string category, VbBool logOnly, std::int32_t& listIndex) {
-    VbBool result = VbTrue;
-    const bool matched = OnAllowedList(location, item, name, category);
-    if (matched) {
-        action = kExcludedWord;
-        result = VbFalse;
-    }
-    // A failure from here on is silent: the file is closed and the finding goes unlisted.
-    try {
-        TextFile log = TextFile::ForAppend(LoggedTxtPath());
-        const Pieces pieces = GatherPieces(location, item, name);
-        if (auto plain = RecordText(action, pieces)) log.Print(Encrypt(*plain, RecordKey(action)));
-        ApplySideEffects(action, listIndex);
-        log.Close();
-        if (logOnly != VbTrue && !matched)
-            ScumListDetailsAdd(name, category, location, item,
-                               action == "suspect" ? kLevelSuspect : "");
-    } catch (const Failure&) {
-    } catch (const std::bad_alloc&) {
-    }
-    return result;
+void WriteScanLogRecord(const std::string& action, const std::string& location,
+                        const std::string& item, const std::string& name) {
+    TextFile log = TextFile::ForAppend(LoggedTxtPath());
+    const Pieces pieces = GatherPieces(location, item, name);
+    if (auto plain = RecordText(action, pieces)) log.Print(Encrypt(*plain, RecordKey(action)));
+    log.Close();
 }
 
 }  // namespace orvex

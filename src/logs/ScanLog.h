@@ -1,21 +1,18 @@
-// ScanLog.h: the enciphered scan log Logged.txt. ScanLogWrite is where every finding and
-// every removal ends: it tests the allowed list, appends one record, drives the removal
-// window and hands the finding to the recorder.
+// ScanLog.h: the enciphered scan log Logged.txt: one record for each action word.
 #pragma once
 
-#include <cstdint>
 #include <string>
 
-#include "core/Vb.h"
 #include "logs/LogFile.h"
 
 namespace orvex {
 
-// Logs one action. `action` is one of the action words (matched case-sensitively; an
-// unknown word writes nothing). Returns -1, or 0 when the finding is on the allowed list.
-// With `logOnly` -1 the finding never reaches the ScumList. `listIndex` is the 1-based row
-// of the ScumList that the removal words "delete" and "File In List Not Found" take away.
-VbBool ScanLogWrite(std::string location, std::string item, std::string action, std::string name,
-                    std::string category, VbBool logOnly, std::int32_t& listIndex);
+// The action word of a finding that is on the allowed list.
+inline constexpr const char* kExcludedWord = "Included on Exclude List";
+
+// Opens Logged.txt for appending and writes the record of `action` (matched
+// case-sensitively; a word without a record writes nothing). Failures reach the caller.
+void WriteScanLogRecord(const std::string& action, const std::string& location,
+                        const std::string& item, const std::string& name);
 
 }  // namespace orvex

@@ -8,8 +8,7 @@
 #include "core/Text.h"
 #include "core/TextFile.h"
 #include "definitions/DefinitionTables.h"
-#include "review/AllowedItems.h"
-#include "scan/Recorder.h"
+#include "stores/AllowedItems.h"
 
 namespace orvex {
 namespace {

@@ -1,8 +1,8 @@
 // FileHelper.cpp: the file helper object over the installed FileSystem.
 #include "platform/FileHelper.h"
 
-#include "core/Failure.h"
 #include "platform/AnsiCase.h"
+#include "platform/Failure.h"
 #include "platform/Platform.h"
 
 namespace orvex::platform {

@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "core/Failure.h"
 #include "platform/AnsiCase.h"
+#include "platform/Failure.h"
 
 namespace orvex::platform {
 namespace {

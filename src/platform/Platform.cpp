@@ -1,7 +1,7 @@
 // Platform.cpp: the installed back-ends.
 #include "platform/Platform.h"
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 
 namespace orvex::platform {
 namespace {
@@ -28,6 +28,10 @@ ProcessApi& Processes() {
 }
 System& Sys() {
     return Require(installed.system);
+}
+
+void UninstallPlatform() {
+    installed = Platform{};
 }
 
 ScopedPlatform::ScopedPlatform(const Platform& platform) : previous_(installed) {

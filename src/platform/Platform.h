@@ -25,6 +25,9 @@ FileSystem& Files();
 ProcessApi& Processes();
 System& Sys();
 
+// Leaves no back-end installed.
+void UninstallPlatform();
+
 // Installs a platform for the lifetime of the guard and puts the previous one back after.
 class ScopedPlatform {
   public:

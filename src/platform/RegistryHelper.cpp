@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 #include "platform/Platform.h"
 
 namespace orvex::platform {

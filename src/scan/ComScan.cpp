@@ -8,11 +8,11 @@
 #include "core/ErrorHandler.h"
 #include "core/Text.h"
 #include "definitions/DefinitionTables.h"
-#include "logs/ScanLog.h"
 #include "platform/FileHelper.h"
 #include "platform/RegistryHelper.h"
 #include "scan/DigestWalk.h"
 #include "scan/FileScan.h"
+#include "scan/ScanLogWrite.h"
 #include "ui/UiHost.h"
 
 namespace orvex {

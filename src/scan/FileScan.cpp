@@ -9,15 +9,15 @@
 
 #include "core/AppState.h"
 #include "core/ErrorHandler.h"
-#include "core/Failure.h"
 #include "core/Text.h"
 #include "definitions/DefinitionTables.h"
-#include "logs/ScanLog.h"
+#include "platform/Failure.h"
 #include "platform/Md5.h"
 #include "platform/Platform.h"
 #include "scan/DefinitionLookup.h"
 #include "scan/Recorder.h"
-#include "scan/ScanPage.h"
+#include "scan/ScanLogWrite.h"
+#include "scan/ScanProgress.h"
 #include "ui/UiHost.h"
 
 namespace orvex {
@@ -82,7 +82,7 @@ bool JudgeFiles(const std::string& root, const std::string& relative) {
         const std::string name = Cleaned(entry.name);
         if (Stopped()) return false;
         ++App().ItemsScanned;
-        frmscan().lbl3.Caption = Lng(706) + std::to_string(App().ItemsScanned);
+        TheScanProgress().ItemsScanned(Lng(706), App().ItemsScanned);
         ScumFile(LCase(name), folder, VbFalse);
     }
     return true;

@@ -6,14 +6,14 @@
 #include <new>
 
 #include "core/AppState.h"
-#include "core/Failure.h"
 #include "core/Text.h"
 #include "definitions/DefinitionTables.h"
-#include "logs/ScanLog.h"
+#include "platform/Failure.h"
 #include "platform/FileHelper.h"
 #include "scan/FileScan.h"
 #include "scan/Recorder.h"
 #include "scan/RunProc.h"
+#include "scan/ScanLogWrite.h"
 #include "ui/UiHost.h"
 
 namespace orvex {

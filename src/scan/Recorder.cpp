@@ -10,13 +10,13 @@
 #include "core/AppState.h"
 #include "core/Convert.h"
 #include "core/ErrorHandler.h"
-#include "core/Failure.h"
 #include "core/Text.h"
 #include "definitions/DefinitionTables.h"
 #include "platform/AnsiCase.h"
+#include "platform/Failure.h"
 #include "platform/FileHelper.h"
 #include "scan/DefinitionLookup.h"
-#include "scan/ScanPage.h"
+#include "scan/ScanProgress.h"
 #include "ui/UiHost.h"
 
 namespace orvex {
@@ -131,7 +131,7 @@ int IconFor(int severity) {
 
 void ShowCount() {
     if (IsTrue(App().StopRequested)) return;
-    frmscan().lbl4.Caption = Lng(431) + " " + CStr(App().ScumCount);
+    TheScanProgress().ThreatsFound(App().ScumCount);
 }
 
 // ---------------------------------------------------------------------------------------
@@ -337,20 +337,6 @@ std::int32_t ExclusionRoutine(std::string fileName, std::string folder, const st
         if (matched) result = CLng(fields[kCodeOnMatch]);
     });
     return result;
-}
-
-std::int32_t Occurs(const std::string& text, const std::string& delimiter) {
-    std::int32_t pieces = 0;
-    Procedure proc(kModule, "Occurs");
-    proc.Run([&] {
-        if (text.empty()) return;
-        pieces = 1;
-        if (delimiter.empty()) return;
-        for (std::size_t at = text.find(delimiter); at != std::string::npos;
-             at = text.find(delimiter, at + delimiter.size()))
-            ++pieces;
-    });
-    return pieces;
 }
 
 }  // namespace orvex

@@ -1,6 +1,6 @@
 // Recorder.h: the finding recorder: ScumList, the findings of the run, with List1 (one
 // entry per distinct threat name) and ScumCount beside it, and the routines every scanner
-// shares: ScumListDetailsAdd, ExclusionRoutine and Occurs.
+// shares: ScumListDetailsAdd and ExclusionRoutine.
 #pragma once
 
 #include <cstdint>
@@ -100,8 +100,5 @@ void ScumListDetailsAdd(std::string name, std::string category, std::string loca
 // without path, `folder` ends in a backslash. 0 and 1 are a confirmed find, 2 a suspect,
 // 4 a name the table does not hold, anything else no find.
 std::int32_t ExclusionRoutine(std::string fileName, std::string folder, const std::string& threat);
-
-// The number of pieces splitting `text` by `delimiter` gives: 0 for an empty text.
-std::int32_t Occurs(const std::string& text, const std::string& delimiter);
 
 }  // namespace orvex

@@ -8,13 +8,13 @@
 #include "core/ErrorHandler.h"
 #include "core/Text.h"
 #include "definitions/DefinitionTables.h"
-#include "logs/ScanLog.h"
 #include "platform/FileHelper.h"
 #include "platform/RegistryHelper.h"
 #include "scan/ComScan.h"
 #include "scan/NetworkScan.h"
 #include "scan/Recorder.h"
-#include "scan/ScanPage.h"
+#include "scan/ScanLogWrite.h"
+#include "scan/ScanProgress.h"
 #include "scan/StartupScan.h"
 #include "ui/UiHost.h"
 
@@ -44,7 +44,7 @@ bool Stopped() {
 }
 
 void ShowProgress(int message) {
-    frmscan().lbl3.Caption = Lng(message) + std::to_string(App().ItemsScanned);
+    TheScanProgress().ItemsScanned(Lng(message), App().ItemsScanned);
 }
 
 void RunSpecialScans() {

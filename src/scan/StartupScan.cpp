@@ -9,16 +9,16 @@
 
 #include "core/AppState.h"
 #include "core/ErrorHandler.h"
-#include "core/Failure.h"
 #include "core/Text.h"
 #include "definitions/DefinitionTables.h"
-#include "logs/ScanLog.h"
+#include "platform/Failure.h"
 #include "platform/FileHelper.h"
 #include "platform/RegistryHelper.h"
 #include "scan/DigestWalk.h"
 #include "scan/FileScan.h"
 #include "scan/RegistryScan.h"
-#include "scan/ScanPage.h"
+#include "scan/ScanLogWrite.h"
+#include "scan/ScanProgress.h"
 #include "ui/UiHost.h"
 
 namespace orvex {
@@ -38,7 +38,7 @@ bool Stopped() {
 
 void CountItem() {
     ++App().ItemsScanned;
-    frmscan().lbl3.Caption = Lng(706) + std::to_string(App().ItemsScanned);
+    TheScanProgress().ItemsScanned(Lng(706), App().ItemsScanned);
 }
 
 void Report(const std::string& location, const std::string& item, const std::string& threat,

@@ -81,6 +81,15 @@ class ProgressBar : public Control {
     int Value = 0;
 };
 
+// The scan animation ("\scan.gif" of the program folder): it plays until stopped.
+class GifPlayer : public Control {
+  public:
+    using Control::Control;
+    void Play() { Playing = true; }
+    void Stop() { Playing = false; }
+    bool Playing = false;
+};
+
 class Timer : public Control {
   public:
     using Control::Control;

@@ -10,9 +10,13 @@
 namespace orvex::ui {
 namespace {
 
-UiHost*& Installed() {
+HeadlessHost& Fallback() {
     static HeadlessHost fallback;
-    static UiHost* host = &fallback;
+    return fallback;
+}
+
+UiHost*& Installed() {
+    static UiHost* host = &Fallback();
     return host;
 }
 
@@ -24,6 +28,11 @@ UiHost& Host() {
 
 void InstallHost(UiHost* host) {
     Installed() = host;
+}
+
+void ResetHost() {
+    Fallback() = HeadlessHost{};
+    Installed() = &Fallback();
 }
 
 ScopedHost::ScopedHost(UiHost& host) : previous_(&Host()) {

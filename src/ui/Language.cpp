@@ -6,8 +6,8 @@
 
 #include "core/AppState.h"
 #include "core/Convert.h"
-#include "core/Failure.h"
 #include "core/TextFile.h"
+#include "platform/Failure.h"
 #include "platform/Platform.h"
 
 namespace orvex {

@@ -57,6 +57,8 @@ class UiHost {
 // The installed host; a headless one until a program installs another.
 UiHost& Host();
 void InstallHost(UiHost* host);
+// Puts a fresh headless host in place of whatever is installed.
+void ResetHost();
 
 // Yields to the user interface.
 inline void DoEvents() {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 #include "support/MemoryFixture.h"
 
 namespace orvex {

@@ -119,5 +119,14 @@ TEST(AscChr, AreInversesOverAllBytes) {
     EXPECT_EQ(FailureOf([] { Chr(-1); }), 5);
 }
 
+TEST(Occurs, CountsPieces) {
+    EXPECT_EQ(Occurs("", "|"), 0);
+    EXPECT_EQ(Occurs("abc", "|"), 1);
+    EXPECT_EQ(Occurs("a|b|", "|"), 3);
+    EXPECT_EQ(Occurs("|||||", "|"), 6);
+    EXPECT_EQ(Occurs("a||b|||c", "||"), 3);
+    EXPECT_EQ(Occurs("abc", ""), 1);
+}
+
 }  // namespace
 }  // namespace orvex

@@ -14,10 +14,10 @@
 #include "definitions/Cipher.h"
 #include "definitions/DefinitionCompiler.h"
 #include "definitions/DefinitionTables.h"
+#include "pages/MainWindow.h"
 #include "support/MemoryFixture.h"
 #include "support/SourceFile.h"
 #include "ui/HeadlessHost.h"
-#include "ui/MainWindow.h"
 
 namespace orvex {
 namespace {

@@ -1,7 +1,7 @@
 // backupdat_fuzz.cpp: arbitrary bytes as Backup.Dat, through the loader and a rewrite of
 // what it read, on the memory back-end.
 #include "FuzzSetup.h"
-#include "removal/BackupStore.h"
+#include "stores/BackupStore.h"
 #include "ui/Controls.h"
 #include "ui/Form.h"
 

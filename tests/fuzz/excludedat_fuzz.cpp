@@ -1,8 +1,8 @@
 // excludedat_fuzz.cpp: arbitrary bytes as Exclude.dat, through the loader, frmexclude's
 // load and a removal that rewrites the store, on the memory back-end.
 #include "FuzzSetup.h"
-#include "review/AllowedItems.h"
-#include "review/ExcludePage.h"
+#include "pages/ExcludePage.h"
+#include "stores/AllowedItems.h"
 #include "ui/Form.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -1,7 +1,7 @@
 // loggedtxt_fuzz.cpp: arbitrary bytes as Logged.txt, and as the error log beside it, through
 // the log viewer's load on the memory back-end.
 #include "FuzzSetup.h"
-#include "logs/LogPage.h"
+#include "pages/LogPage.h"
 #include "ui/Form.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

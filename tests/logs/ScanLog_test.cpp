@@ -1,12 +1,13 @@
 // ScanLog_test.cpp: the records of every action word, the allowed-list gate, the hand-over
 // to the ScumList, and what the removal words do to the list and to frmremoval.
 #include "logs/ScanLog.h"
+#include "scan/ScanLogWrite.h"
 
 #include <string>
 
 #include "core/Version.h"
 #include "logs/LogFixture.h"
-#include "removal/RemovalPage.h"
+#include "pages/RemovalPage.h"
 
 namespace orvex {
 namespace {

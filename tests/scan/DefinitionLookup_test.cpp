@@ -15,6 +15,7 @@
 #include "platform/Md5.h"
 #include "scan/FileScan.h"
 #include "scan/ScanFixture.h"
+#include "scan/ScanLogWrite.h"
 #include "ui/UiHost.h"
 
 namespace orvex {

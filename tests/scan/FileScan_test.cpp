@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "core/AppState.h"
+#include "pages/ScanPage.h"
 #include "platform/Md5.h"
 #include "scan/ScanFixture.h"
-#include "scan/ScanPage.h"
 
 namespace orvex {
 namespace {

@@ -1,5 +1,5 @@
 // Recorder_test.cpp: recording findings (duplicates, icons, List1, ScumCount, the count on
-// frmscan), the [Exclusion] test of file names with its size expressions, and Occurs.
+// frmscan), and the [Exclusion] test of file names with its size expressions.
 #include "scan/Recorder.h"
 
 #include <algorithm>
@@ -11,11 +11,11 @@
 
 #include "core/AppState.h"
 #include "core/Convert.h"
-#include "core/Failure.h"
 #include "core/Text.h"
 #include "definitions/DefinitionTables.h"
+#include "pages/ScanPage.h"
+#include "platform/Failure.h"
 #include "scan/ScanFixture.h"
-#include "scan/ScanPage.h"
 #include "ui/Form.h"
 #include "ui/HeadlessHost.h"
 
@@ -296,15 +296,6 @@ TEST_F(RecorderTest, ExclusionConversionFailureKeepsTheResultSoFar) {
     Definitions() = DefinitionTables{};
     Exclusions({"b.exe|x|||3|bad"});
     EXPECT_EQ(ExclusionRoutine("b.exe", "C:\\", "x"), 3);
-}
-
-TEST(Occurs, CountsPieces) {
-    EXPECT_EQ(Occurs("", "|"), 0);
-    EXPECT_EQ(Occurs("abc", "|"), 1);
-    EXPECT_EQ(Occurs("a|b|", "|"), 3);
-    EXPECT_EQ(Occurs("|||||", "|"), 6);
-    EXPECT_EQ(Occurs("a||b|||c", "||"), 3);
-    EXPECT_EQ(Occurs("abc", ""), 1);
 }
 
 // ---------------------------------------------------------------------------------------

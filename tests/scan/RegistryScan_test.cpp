@@ -11,9 +11,9 @@
 #include "core/AppState.h"
 #include "core/Config.h"
 #include "definitions/DefinitionTables.h"
+#include "pages/ScanPage.h"
 #include "scan/Recorder.h"
 #include "scan/ScanFixture.h"
-#include "scan/ScanPage.h"
 #include "ui/Form.h"
 #include "ui/HeadlessHost.h"
 

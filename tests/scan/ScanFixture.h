@@ -9,8 +9,8 @@
 #include "definitions/DefinitionCompiler.h"
 #include "definitions/DefinitionLoader.h"
 #include "definitions/DefinitionTables.h"
-#include "review/AllowedItems.h"
 #include "scan/Recorder.h"
+#include "stores/AllowedItems.h"
 #include "support/MemoryFixture.h"
 #include "ui/Form.h"
 #include "ui/HeadlessHost.h"
@@ -20,14 +20,11 @@ namespace orvex::testing {
 class ScanTest : public MemoryPlatformTest {
   protected:
     ScanTest() : installedHost_(host) {
-        Fresh();
         App().AppPath = "C:\\Program Files\\Orvex";
         App().DataFolder = "C:\\Data\\";
         files.addFolder("C:\\Program Files\\Orvex");
         files.addFolder("C:\\Data");
     }
-    ~ScanTest() override { Fresh(); }
-
     // Compiles `source` into the data folder and loads it as start-up does.
     void LoadDefinitions(const std::string& source) {
         files.addFile("C:\\Data\\ovsdef.dat", CompileDefinitionSource(source));
@@ -40,13 +37,6 @@ class ScanTest : public MemoryPlatformTest {
     ui::HeadlessHost host;
 
   private:
-    static void Fresh() {
-        ui::ResetForms();
-        Definitions() = DefinitionTables{};
-        ScumListOfRun().clear();
-        List1OfRun().Clear();
-        ExclusionRecords() = ExclusionTable{};
-    }
     ui::ScopedHost installedHost_;
 };
 

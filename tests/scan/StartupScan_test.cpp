@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "logs/LogFixture.h"
+#include "pages/ScanPage.h"
 #include "platform/Md5.h"
 #include "scan/IndexPlanting.h"
-#include "scan/ScanPage.h"
 
 namespace orvex {
 namespace {

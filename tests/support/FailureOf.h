@@ -1,7 +1,7 @@
 // FailureOf.h: the classic number of the Failure a call raises, for tests of failure paths.
 #pragma once
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 
 namespace orvex::testing {
 

@@ -1,21 +1,20 @@
 // MemoryFixture.cpp: installs and removes the memory back-end around each test.
 #include "support/MemoryFixture.h"
 
+#include "app/ProcessState.h"
 #include "core/AppState.h"
 
 namespace orvex::testing {
 
 MemoryPlatformTest::MemoryPlatformTest() {
-    App() = AppState{};
-    LngArray() = LanguageTable{};
+    ResetProcessState();
     files.addDrive("C:\\", platform::drivetype::kFixed);
     installed_ = std::make_unique<platform::ScopedPlatform>(machine.view());
 }
 
 MemoryPlatformTest::~MemoryPlatformTest() {
     installed_.reset();
-    App() = AppState{};
-    LngArray() = LanguageTable{};
+    ResetProcessState();
 }
 
 std::string MemoryPlatformTest::ErrorLog() {

@@ -1,5 +1,5 @@
-// MemoryFixture.h: the test base of every engine test: a fresh memory back-end installed
-// for the test, fresh shared state and language table, and a fixed disk "C:\".
+// MemoryFixture.h: the test base of every engine test: the process reset, a fresh memory
+// back-end installed for the test, and a fixed disk "C:\".
 #pragma once
 
 #include <gtest/gtest.h>

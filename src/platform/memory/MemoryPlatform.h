@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 #include "platform/Platform.h"
 
 namespace orvex::platform::memory {

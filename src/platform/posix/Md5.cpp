@@ -3,7 +3,7 @@
 
 #include <openssl/evp.h>
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 
 namespace orvex::platform {
 

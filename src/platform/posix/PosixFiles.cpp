@@ -12,7 +12,7 @@
 #include <climits>
 #include <vector>
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 #include "platform/posix/PosixFd.h"
 
 namespace orvex::platform {

@@ -5,7 +5,7 @@
 // bcrypt.h needs the base types of windows.h first.
 #include <bcrypt.h>
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 
 namespace orvex::platform {
 

@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 
 namespace orvex::platform::win32 {
 

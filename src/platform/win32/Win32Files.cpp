@@ -6,7 +6,7 @@
 
 #include <limits>
 
-#include "core/Failure.h"
+#include "platform/Failure.h"
 #include "platform/win32/Win32Errors.h"
 #include "platform/win32/Win32Text.h"
 

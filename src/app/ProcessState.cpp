@@ -1,0 +1,34 @@
+// ProcessState.cpp: every process-wide store, reset in one place.
+#include "app/ProcessState.h"
+
+#include "core/AppState.h"
+#include "core/Rnd.h"
+#include "definitions/DefinitionTables.h"
+#include "pages/PageReports.h"
+#include "platform/Platform.h"
+#include "scan/Recorder.h"
+#include "stores/AllowedItems.h"
+#include "stores/BackupStore.h"
+#include "ui/Form.h"
+#include "ui/Language.h"
+#include "ui/UiHost.h"
+
+namespace orvex {
+
+void ResetProcessState() {
+    ui::ResetForms();
+    ui::ResetHost();
+    platform::UninstallPlatform();
+    App() = AppState{};
+    LngArray() = LanguageTable{};
+    CurrentLanguage().clear();
+    ProcessGenerator() = Generator{};
+    Definitions() = DefinitionTables{};
+    ScumListOfRun().clear();
+    List1OfRun().Clear();
+    ExclusionRecords() = ExclusionTable{};
+    BackupRecords() = BackupTable{};
+    InstallPageReports();
+}
+
+}  // namespace orvex

@@ -1,0 +1,116 @@
+// ScanRunner_test.cpp: the command line's scan end to end on a planted tree: definitions
+// compiled as `orvex defs compile` compiles them, the data and program folders, the exit
+// codes, the log it leaves and the findings table.
+#include "app/ScanRunner.h"
+
+#include <string>
+#include <vector>
+
+#include "core/AppState.h"
+#include "platform/Md5.h"
+#include "platform/RegistryHelper.h"
+#include "scan/ScanFixture.h"
+
+namespace orvex {
+namespace {
+
+using platform::Hive;
+
+const std::string kBadBytes = "bytes of a known bad file";
+
+class ScanRunnerTest : public testing::ScanTest {
+  protected:
+    ScanRunnerTest() {
+        App() = AppState{};
+        files.addFile(
+            "C:\\defs\\ovsdef.dat",
+            CompileDefinitionSource("Ver=11/22/2026\r\n[MD5]\r\n" + platform::Md5Hex(kBadBytes) +
+                                    "|HashThreat\r\n[End]\r\n[Files]\r\n"
+                                    "NameThreat|named.exe\r\nOther|other.exe\r\n[End]\r\n"
+                                    "[Exclusion]\r\nnamed.exe|namethreat|||0|1\r\n"
+                                    "[End]\r\n"));
+        files.addFile("C:\\tree\\a\\bad.exe", kBadBytes);
+        files.addFile("C:\\tree\\b\\named.exe", "x");
+        files.addFile("C:\\elsewhere\\bad.exe", kBadBytes);
+        files.addFolder("C:\\app");
+        files.addFolder("C:\\clean\\sub");
+        files.addFile("C:\\clean\\sub\\fine.exe", "fine");
+        request.appPath = "C:\\app\\";
+        request.dataFolder = "C:\\defs";
+        request.folder = "C:\\tree\\";
+    }
+
+    HeadlessScanRequest request;
+};
+
+TEST_F(ScanRunnerTest, ThreatsBelowTheFolderGiveExitCodeOneAndALog) {
+    int progressCalls = 0;
+    request.progress = [&](std::string_view, std::int32_t) { ++progressCalls; };
+    const HeadlessScanResult result = RunHeadlessScan(request);
+    EXPECT_EQ(result.exitCode, 1) << result.error;
+    ASSERT_EQ(result.findings.size(), 2u);
+    EXPECT_EQ(result.findings[0].name, "HashThreat");
+    EXPECT_EQ(result.findings[0].location, "C:\\tree\\a\\");
+    EXPECT_EQ(result.findings[1].name, "NameThreat");
+    EXPECT_EQ(result.threats, 2);
+    EXPECT_EQ(App().AppPath, "C:\\app");
+    EXPECT_EQ(App().DataFolder, "C:\\defs\\");
+    EXPECT_GT(files.length("C:\\app\\Logged.txt"), 0u);
+    EXPECT_GT(progressCalls, 0);
+}
+
+TEST_F(ScanRunnerTest, ACleanFolderGivesExitCodeZero) {
+    request.folder = "C:\\clean";
+    const HeadlessScanResult result = RunHeadlessScan(request);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_TRUE(result.findings.empty());
+    EXPECT_GE(result.itemsScanned, 1);
+}
+
+TEST_F(ScanRunnerTest, WithoutAFolderEveryDriveIsWalked) {
+    request.folder.clear();
+    const HeadlessScanResult result = RunHeadlessScan(request);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.findings.size(), 3u);
+}
+
+TEST_F(ScanRunnerTest, TheDataFolderComesFromTheRegistryWhenNotGiven) {
+    request.dataFolder.clear();
+    registry.setString(Hive::LocalMachine, "Software\\Norvani\\Orvex Sentry", "DataPath",
+                       "C:\\defs");
+    EXPECT_EQ(RunHeadlessScan(request).exitCode, 1);
+    EXPECT_EQ(App().DataFolder, "C:\\defs\\");
+}
+
+TEST_F(ScanRunnerTest, MissingOrUnusableDefinitionsAndMissingFoldersAreErrors) {
+    request.folder = "C:\\no such folder";
+    HeadlessScanResult result = RunHeadlessScan(request);
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_NE(result.error.find("no such folder"), std::string::npos);
+
+    request.folder = "C:\\tree";
+    request.dataFolder = "C:\\empty";
+    result = RunHeadlessScan(request);
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_NE(result.error.find("ovsdef.dat"), std::string::npos);
+
+    files.addFile("C:\\thin\\ovsdef.dat", CompileDefinitionSource("[Files]\nOne|one.exe\n[End]\n"));
+    request.dataFolder = "C:\\thin";
+    result = RunHeadlessScan(request);
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_TRUE(result.findings.empty());
+}
+
+TEST_F(ScanRunnerTest, TheTableLinesUpItsColumns) {
+    std::vector<ScumRow> rows(2);
+    rows[0] = {"Long threat name", "FileSystem", "Confirmed", "C:\\x\\", "a.exe"};
+    rows[1] = {"T", "Registry(Value)", "Suspect", "HKEY_USERS\\k|v", "text"};
+    EXPECT_EQ(FindingsTable(rows),
+              "NAME              CATEGORY         LEVEL      LOCATION        ITEM\n"
+              "Long threat name  FileSystem       Confirmed  C:\\x\\           a.exe\n"
+              "T                 Registry(Value)  Suspect    HKEY_USERS\\k|v  text\n");
+    EXPECT_EQ(FindingsTable({}), "No threats found.\n");
+}
+
+}  // namespace
+}  // namespace orvex
