@@ -14,7 +14,7 @@ LAYERS=(
     "stores"
     "logs"
     "scan"
-    "removal services"
+    "removal services"  # to come
     "pages"
     "app"
     "apps"
