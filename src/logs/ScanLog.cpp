@@ -99,12 +99,12 @@ std::string RecordKey(const std::string& action) {
 
 }  // namespace
 
-void WriteScanLogRecord(const std::string& action, const std::string& location,
-                        const std::string& item, const std::string& name) {
+TextFile WriteScanLogRecord(const std::string& action, const std::string& location,
+                            const std::string& item, const std::string& name) {
     TextFile log = TextFile::ForAppend(LoggedTxtPath());
     const Pieces pieces = GatherPieces(location, item, name);
     if (auto plain = RecordText(action, pieces)) log.Print(Encrypt(*plain, RecordKey(action)));
-    log.Close();
+    return log;
 }
 
 }  // namespace orvex

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "core/TextFile.h"
 #include "logs/LogFile.h"
 
 namespace orvex {
@@ -11,8 +12,9 @@ namespace orvex {
 inline constexpr const char* kExcludedWord = "Included on Exclude List";
 
 // Opens Logged.txt for appending and writes the record of `action` (matched
-// case-sensitively; a word without a record writes nothing). Failures reach the caller.
-void WriteScanLogRecord(const std::string& action, const std::string& location,
-                        const std::string& item, const std::string& name);
+// case-sensitively; a word without a record writes nothing). The file is handed back open:
+// the record reaches the disk when the caller closes it. Failures reach the caller.
+TextFile WriteScanLogRecord(const std::string& action, const std::string& location,
+                            const std::string& item, const std::string& name);
 
 }  // namespace orvex

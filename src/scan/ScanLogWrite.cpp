@@ -5,6 +5,7 @@
 #include <new>
 
 #include "core/AppState.h"
+#include "core/TextFile.h"
 #include "logs/ScanLog.h"
 #include "platform/Failure.h"
 #include "scan/Recorder.h"
@@ -37,10 +38,11 @@ VbBool ScanLogWrite(std::string location, std::string item, std::string action, 
         action = kExcludedWord;
         result = VbFalse;
     }
-    // A failure from here on is silent: the finding goes unlisted.
+    // A failure from here on is silent: the file is closed and the finding goes unlisted.
     try {
-        WriteScanLogRecord(action, location, item, name);
+        TextFile log = WriteScanLogRecord(action, location, item, name);
         ApplyRemovalWord(action, listIndex);
+        log.Close();
         if (logOnly != VbTrue && !allowed)
             ScumListDetailsAdd(name, category, location, item,
                                action == "suspect" ? kLevelSuspect : "");
