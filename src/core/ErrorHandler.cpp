@@ -13,11 +13,12 @@
 
 namespace orvex {
 
-std::int16_t ErrorOutcome = 0;
+Outcome ErrorOutcome{};
 
 namespace {
 
-constexpr std::int16_t kUnclassified = 99;
+// The lists give outcomes as numbers; any number outside 1..5 counts as Exit Project.
+constexpr int kUnclassified = 99;
 constexpr std::string_view kCrLf = "\r\n";
 constexpr std::string_view kModule = "modErrorHandler";
 constexpr std::string_view kLogName = "ovs.ph";
@@ -29,7 +30,7 @@ int logDepth = 0;
 
 struct TableRow {
     std::string_view numbers;
-    std::int16_t outcome;
+    int outcome;
 };
 
 // Read top to bottom; a later row that holds the number replaces an earlier one.
@@ -60,17 +61,17 @@ std::string Key(int number) {
     return key;
 }
 
-std::int16_t FromCallerLists(const std::string& key, const ErrorLists& lists) {
+int FromCallerLists(const std::string& key, const ErrorLists& lists) {
     const std::array<const std::string*, 5> inOrder = {
         &lists.resume, &lists.resumeNext, &lists.resumeAtLabel, &lists.gotoZero, &lists.exit};
-    std::int16_t outcome = kUnclassified;
+    int outcome = kUnclassified;
     for (std::size_t i = 0; i < inOrder.size(); ++i)
-        if (Holds(*inOrder[i], key)) outcome = static_cast<std::int16_t>(i + 1);
+        if (Holds(*inOrder[i], key)) outcome = static_cast<int>(i + 1);
     return outcome;
 }
 
-std::int16_t FromFixedTable(const std::string& key) {
-    std::int16_t outcome = kUnclassified;
+int FromFixedTable(const std::string& key) {
+    int outcome = kUnclassified;
     for (const TableRow& row : kFixedTable)
         if (Holds(row.numbers, key)) outcome = row.outcome;
     return outcome;
@@ -115,7 +116,7 @@ std::string UserNameText() {
     return name ? CutAtNul(*name) : "";
 }
 
-std::string EntryText(const std::string& message, std::int16_t outcome) {
+std::string EntryText(const std::string& message, Outcome outcome) {
     const std::string blanks5(5, ' ');
     std::string entry = CompactMessage(message);
     entry += std::string(20, ' ') + "Outcome: " + OutcomeName(outcome) + "\r\n";
@@ -142,29 +143,28 @@ void ReportLogFailure(int number, const std::string& description) {
 
 }  // namespace
 
-std::string OutcomeName(std::int16_t outcome) {
+std::string OutcomeName(Outcome outcome) {
     switch (outcome) {
-        case 1:
+        case Outcome::Resume:
             return "Resume";
-        case 2:
+        case Outcome::ResumeNext:
             return "Resume Next";
-        case 3:
+        case Outcome::ResumeAtLabel:
             return "Resume at label";
-        case 4:
+        case Outcome::GotoZero:
             return "On Error GoTo 0";
-        case 5:
+        case Outcome::ExitProject:
             return "Exit Project";
-        default:
-            return "";
     }
+    return "";
 }
 
-std::int16_t ClassifyFailure(int number, const ErrorLists& lists) {
+Outcome ClassifyFailure(int number, const ErrorLists& lists) {
     const std::string key = Key(number);
-    std::int16_t outcome = FromCallerLists(key, lists);
+    int outcome = FromCallerLists(key, lists);
     if (outcome == kUnclassified) outcome = FromFixedTable(key);
-    if (outcome < 1 || outcome > 5) outcome = static_cast<std::int16_t>(Outcome::ExitProject);
-    return outcome;
+    if (outcome < 1 || outcome > 5) return Outcome::ExitProject;
+    return static_cast<Outcome>(outcome);
 }
 
 std::string ErrorLogVersionText(int major, int minor, int revision) {
@@ -173,11 +173,10 @@ std::string ErrorLogVersionText(int major, int minor, int revision) {
     return std::to_string(major) + "." + std::to_string(minor) + "." + rev;
 }
 
-std::int16_t ErrorHandler(int number, const std::string& description, int line,
-                          const std::string& module, const std::string& procedure,
-                          const ErrorLists& lists) {
-    constexpr auto kExit = static_cast<std::int16_t>(Outcome::ExitProject);
-    std::int16_t outcome = kExit;
+Outcome ErrorHandler(int number, const std::string& description, int line,
+                     const std::string& module, const std::string& procedure,
+                     const ErrorLists& lists) {
+    Outcome outcome = Outcome::ExitProject;
     // The handler never fails itself: whatever goes wrong here is passed over.
     try {
         outcome = ClassifyFailure(number, lists);
@@ -194,7 +193,7 @@ std::int16_t ErrorHandler(int number, const std::string& description, int line,
     return outcome;
 }
 
-void WriteErrorToLog(const std::string& message, std::int16_t outcome) {
+void WriteErrorToLog(const std::string& message, Outcome outcome) {
     LogDepthGuard depth;
     std::optional<TextFile> log;
     try {

@@ -32,24 +32,24 @@ struct ErrorLists {
     std::string resume{}, resumeNext{}, resumeAtLabel{}, gotoZero{}, exit{};
 };
 
-// The shared outcome of the last handled failure.
-extern std::int16_t ErrorOutcome;
+// The shared outcome of the last handled failure; 0 until one is handled.
+extern Outcome ErrorOutcome;
 
 // Classifies the failure, writes the log entry and returns (and stores) the outcome.
-std::int16_t ErrorHandler(int number, const std::string& description, int line,
-                          const std::string& module, const std::string& procedure,
-                          const ErrorLists& lists = {});
+Outcome ErrorHandler(int number, const std::string& description, int line,
+                     const std::string& module, const std::string& procedure,
+                     const ErrorLists& lists = {});
 
 // Writes one entry over the start of the error log. A log that cannot be written fails
 // into the handler again; that recursion is bounded and the bound counts as failure 28.
-void WriteErrorToLog(const std::string& message, std::int16_t outcome);
+void WriteErrorToLog(const std::string& message, Outcome outcome);
 
-// The log's name for an outcome ("Resume", ..., "Exit Project"); empty outside 1..5.
-std::string OutcomeName(std::int16_t outcome);
+// The log's name for an outcome ("Resume", ..., "Exit Project"); empty for any other value.
+std::string OutcomeName(Outcome outcome);
 
 // The outcome for a failure number: the caller's lists first (the last list holding
 // "|number|" wins), then the fixed tables; anything unknown or out of range is 5.
-std::int16_t ClassifyFailure(int number, const ErrorLists& lists = {});
+Outcome ClassifyFailure(int number, const ErrorLists& lists = {});
 
 // "major.minor.revision" as the log shows it, the revision with at least two digits.
 std::string ErrorLogVersionText(int major, int minor, int revision);
@@ -72,7 +72,7 @@ class Procedure {
     template <class F>
     bool Step(F&& statement, int line = 0) {
         for (int attempt = 1;; ++attempt) {
-            std::int16_t outcome = 0;
+            Outcome outcome{};
             try {
                 statement();
                 return true;
@@ -81,13 +81,11 @@ class Procedure {
             } catch (const std::bad_alloc&) {
                 outcome = Handle(failure::kOutOfMemory, StandardDescription(7), line);
             }
-            if (outcome == static_cast<std::int16_t>(Outcome::Resume)) {
+            if (outcome == Outcome::Resume) {
                 if (attempt < kRetryLimit) continue;
                 return false;
             }
-            if (outcome == static_cast<std::int16_t>(Outcome::ResumeNext) ||
-                outcome == static_cast<std::int16_t>(Outcome::ExitProject))
-                return false;
+            if (outcome == Outcome::ResumeNext || outcome == Outcome::ExitProject) return false;
             throw LeaveProcedure{};
         }
     }
@@ -110,7 +108,7 @@ class Procedure {
     const std::string& name() const { return name_; }
 
   private:
-    std::int16_t Handle(int number, const std::string& description, int line) {
+    Outcome Handle(int number, const std::string& description, int line) {
         return ErrorHandler(number, description, line, module_, name_, lists_);
     }
 

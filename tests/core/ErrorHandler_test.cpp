@@ -9,6 +9,8 @@
 namespace orvex {
 namespace {
 
+using enum Outcome;
+
 const std::string kLog = "C:\\Data\\ovs.ph";
 const std::string kTwentyBlanks(20, ' ');
 
@@ -36,34 +38,37 @@ class ErrorLogTest : public testing::MemoryPlatformTest {
 TEST(ErrorClassification, FixedTables) {
     const struct {
         int number;
-        std::int16_t outcome;
+        Outcome outcome;
     } cases[] = {
-        {18, 1},   {58, 1},   {5, 2},   {13, 2},  {335, 2}, {20, 4},    {28, 5},
-        {70, 5},   {94, 5},   {53, 1},  {76, 1},  {735, 1}, {31037, 1}, {3024, 1},
-        {3021, 2}, {3315, 4}, {396, 5}, {486, 5}, {91, 5},  {98, 5},    {12345, 5},
-        {0, 5},    {-5, 5},   {3, 2},   {300, 5},
+        {18, Resume},         {58, Resume},       {5, ResumeNext},    {13, ResumeNext},
+        {335, ResumeNext},    {20, GotoZero},     {28, ExitProject},  {70, ExitProject},
+        {94, ExitProject},    {53, Resume},       {76, Resume},       {735, Resume},
+        {31037, Resume},      {3024, Resume},     {3021, ResumeNext}, {3315, GotoZero},
+        {396, ExitProject},   {486, ExitProject}, {91, ExitProject},  {98, ExitProject},
+        {12345, ExitProject}, {0, ExitProject},   {-5, ExitProject},  {3, ResumeNext},
+        {300, ExitProject},
     };
     for (const auto& c : cases)
         EXPECT_EQ(ClassifyFailure(c.number), c.outcome) << c.number;
 }
 
 TEST(ErrorClassification, CallerListsOverrideTablesAndLastHitWins) {
-    EXPECT_EQ(ClassifyFailure(53, {.resumeNext = "|9|53|"}), 2);
-    EXPECT_EQ(ClassifyFailure(5, {.resumeAtLabel = "|5|"}), 3);
-    EXPECT_EQ(ClassifyFailure(53, {.resume = "|53|", .exit = "|53|"}), 5);
-    EXPECT_EQ(ClassifyFailure(53, {.resumeNext = "|53|", .gotoZero = "|53|"}), 4);
+    EXPECT_EQ(ClassifyFailure(53, {.resumeNext = "|9|53|"}), ResumeNext);
+    EXPECT_EQ(ClassifyFailure(5, {.resumeAtLabel = "|5|"}), ResumeAtLabel);
+    EXPECT_EQ(ClassifyFailure(53, {.resume = "|53|", .exit = "|53|"}), ExitProject);
+    EXPECT_EQ(ClassifyFailure(53, {.resumeNext = "|53|", .gotoZero = "|53|"}), GotoZero);
     // The key carries its bars: 530 and 5 are other numbers.
-    EXPECT_EQ(ClassifyFailure(53, {.resumeNext = "|530|5|"}), 1);
+    EXPECT_EQ(ClassifyFailure(53, {.resumeNext = "|530|5|"}), Resume);
 }
 
 TEST(ErrorClassification, OutcomeNamesAndVersionText) {
-    EXPECT_EQ(OutcomeName(1), "Resume");
-    EXPECT_EQ(OutcomeName(2), "Resume Next");
-    EXPECT_EQ(OutcomeName(3), "Resume at label");
-    EXPECT_EQ(OutcomeName(4), "On Error GoTo 0");
-    EXPECT_EQ(OutcomeName(5), "Exit Project");
-    EXPECT_EQ(OutcomeName(0), "");
-    EXPECT_EQ(OutcomeName(99), "");
+    EXPECT_EQ(OutcomeName(Resume), "Resume");
+    EXPECT_EQ(OutcomeName(ResumeNext), "Resume Next");
+    EXPECT_EQ(OutcomeName(ResumeAtLabel), "Resume at label");
+    EXPECT_EQ(OutcomeName(GotoZero), "On Error GoTo 0");
+    EXPECT_EQ(OutcomeName(ExitProject), "Exit Project");
+    EXPECT_EQ(OutcomeName(Outcome{}), "");
+    EXPECT_EQ(OutcomeName(static_cast<Outcome>(99)), "");
     EXPECT_EQ(ErrorLogVersionText(1, 0, 7), "1.0.07");
     EXPECT_EQ(ErrorLogVersionText(2, 3, 123), "2.3.123");
     EXPECT_EQ(ErrorLogVersionText(1, 2, 10), "1.2.10");
@@ -72,8 +77,8 @@ TEST(ErrorClassification, OutcomeNamesAndVersionText) {
 TEST_F(ErrorLogTest, EntryWithoutLineNumber) {
     EXPECT_EQ(
         ErrorHandler(91, "Object variable or With block variable not set", 0, "frmmain", "actions"),
-        5);
-    EXPECT_EQ(ErrorOutcome, 5);
+        ExitProject);
+    EXPECT_EQ(ErrorOutcome, ExitProject);
     EXPECT_EQ(Log(),
               "Error [ 91 ]:  Object variable or With block variable not set\r\n"
               "Location:  Procedure ( actions ) - Module ( frmmain )" +
@@ -129,9 +134,9 @@ TEST_F(ErrorLogTest, FailedWriteIsLoggedUnderWriteErrorToLog) {
     files.failWrite(1, failure::kDiskFull);
     EXPECT_EQ(
         ErrorHandler(91, "Object variable or With block variable not set", 0, "frmmain", "actions"),
-        5);
+        ExitProject);
     // The caller acts on its own outcome, not on that of the failed write.
-    EXPECT_EQ(ErrorOutcome, 5);
+    EXPECT_EQ(ErrorOutcome, ExitProject);
     EXPECT_EQ(Log(),
               "Error [ 61 ]:  Disk full\r\n"
               "Location:  Procedure ( WriteErrorToLog ) - Module ( modErrorHandler )" +
@@ -140,18 +145,18 @@ TEST_F(ErrorLogTest, FailedWriteIsLoggedUnderWriteErrorToLog) {
 
 TEST_F(ErrorLogTest, UnwritableLogEndsItsRecursion) {
     App().DataFolder = "C:\\Missing\\";
-    EXPECT_EQ(ErrorHandler(53, "File not found", 0, "m", "p"), 1);
+    EXPECT_EQ(ErrorHandler(53, "File not found", 0, "m", "p"), Resume);
     EXPECT_FALSE(files.exists("C:\\Missing"));
     App().DataFolder = "C:\\Data\\";
     files.addFile(kLog, "old");
     files.lock(kLog);
-    EXPECT_EQ(ErrorHandler(5, "Invalid procedure call or argument", 0, "m", "p"), 2);
+    EXPECT_EQ(ErrorHandler(5, "Invalid procedure call or argument", 0, "m", "p"), ResumeNext);
     EXPECT_EQ(files.contents(kLog), "old");
 }
 
 TEST_F(ErrorLogTest, NoPlatformStillReturnsAnOutcome) {
     platform::ScopedPlatform none{platform::Platform{}};
-    EXPECT_EQ(ErrorHandler(3021, "No current record", 0, "m", "p"), 2);
+    EXPECT_EQ(ErrorHandler(3021, "No current record", 0, "m", "p"), ResumeNext);
 }
 
 class ProcedureTest : public ErrorLogTest {};
