@@ -49,8 +49,6 @@ Lines Filled(const TextTable& table) {
 class DefinitionLoaderTest : public testing::MemoryPlatformTest {
   protected:
     DefinitionLoaderTest() {
-        ui::ResetForms();
-        Definitions() = DefinitionTables{};
         App().DataFolder = kData;
         App().SystemFolder = "C:\\WINDOWS\\system32";
         App().WindowsFolder = "C:\\WINDOWS";
@@ -71,11 +69,6 @@ class DefinitionLoaderTest : public testing::MemoryPlatformTest {
         stale.Text = "stale";
         form.lvFiles.ListItems.push_back(stale);
     }
-    ~DefinitionLoaderTest() override {
-        ui::ResetForms();
-        Definitions() = DefinitionTables{};
-    }
-
     void Defs(std::string_view source) { files.addFile(kDefs, CompileDefinitionSource(source)); }
     void Static(std::string_view source) {
         files.addFile(kStatic, CompileDefinitionSource(source));
@@ -85,8 +78,6 @@ class DefinitionLoaderTest : public testing::MemoryPlatformTest {
     }
 
     DefinitionTables& t = Definitions();
-    ui::HeadlessHost host;
-    ui::ScopedHost scopedHost{host};
 };
 
 const char* kTwoFiles = "[Files]\nBeta|Beta.EXE\nAlpha|alpha.dll\n[End]\n";

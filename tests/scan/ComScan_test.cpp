@@ -61,7 +61,7 @@ TEST_F(ComScanTest, TableHoldsTheTwentyOnePlacesInOrder) {
 TEST_F(ComScanTest, EachPlaceReportsAKeyUnderItsOwnLocation) {
     for (const ComKeyRow& place : std::vector<ComKeyRow>(ComKeyTable.begin(), ComKeyTable.end())) {
         SCOPED_TRACE(place.rootName + "\\" + place.path);
-        ScumListOfRun().clear();
+        ScumListOfRun().clear();  // each place on its own
         const std::string key = place.path.empty() ? kClsid : place.path + "\\" + kClsid;
         registry.addKey(place.root, key);
         Locate();

@@ -11,7 +11,6 @@
 #include "core/Text.h"
 #include "scan/Recorder.h"
 #include "support/MemoryFixture.h"
-#include "ui/HeadlessHost.h"
 
 namespace orvex {
 namespace {
@@ -24,8 +23,7 @@ const std::string kParameters002 = "SYSTEM\\CurrentControlSet002\\Services\\Tcpi
 
 class NetworkScanTest : public testing::MemoryPlatformTest {
   protected:
-    NetworkScanTest() : hostGuard_(host) {
-        ScumListOfRun().clear();
+    NetworkScanTest() {
         LngArray()[667] = "Your DNS suffix was changed. Repair it?";
         host.DefaultAnswer(ui::msgbox::kNo);
     }
@@ -36,11 +34,6 @@ class NetworkScanTest : public testing::MemoryPlatformTest {
     std::string DomainOf(const std::string& key) {
         return registry.data(Hive::LocalMachine, key, "Domain").value_or("<none>");
     }
-
-    ui::HeadlessHost host;
-
-  private:
-    ui::ScopedHost hostGuard_;
 };
 
 TEST_F(NetworkScanTest, CleanSettingsShowNoDialog) {

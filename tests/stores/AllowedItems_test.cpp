@@ -23,16 +23,10 @@ struct Rec {
 class AllowedItemsTest : public testing::MemoryPlatformTest {
   protected:
     AllowedItemsTest() {
-        ui::ResetForms();
-        ExclusionRecords().Clear();
         App().AppPath = "C:\\App";
         App().DataFolder = "C:\\Data\\";
         files.addFolder("C:\\App");
         files.addFolder("C:\\Data");
-    }
-    ~AllowedItemsTest() override {
-        ui::ResetForms();
-        ExclusionRecords().Clear();
     }
 
     static std::vector<Rec> Records() {

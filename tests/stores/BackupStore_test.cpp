@@ -29,17 +29,11 @@ class FakeBlocked : public ui::Form {
 class BackupStoreTest : public testing::MemoryPlatformTest {
   protected:
     BackupStoreTest() {
-        ui::ResetForms();
-        BackupRecords().Clear();
         App().AppPath = "C:\\App";
         App().BackupFolder = "C:\\App\\Backup";
         App().DataFolder = "C:\\Data\\";
         files.addFolder("C:\\App\\Backup");
         files.addFolder("C:\\Data");
-    }
-    ~BackupStoreTest() override {
-        ui::ResetForms();
-        BackupRecords().Clear();
     }
 
     static std::vector<std::string> Fields(const BackupRecord& r) {

@@ -22,7 +22,6 @@ class LanguageTest : public testing::MemoryPlatformTest {
         App().AppPath = "C:\\Program Files\\Orvex";
         CurrentLanguage() = "Test";
     }
-    ~LanguageTest() override { CurrentLanguage().clear(); }
 
     void Load(const std::string& bytes) {
         files.addFile(kFolder + "Test.lng", bytes);
