@@ -2,14 +2,11 @@
 // update and the first window's placement.
 #include "app/Startup.h"
 
-#include <gtest/gtest.h>
-
 #include "core/AppState.h"
 #include "pages/MainWindow.h"
 #include "pages/ScanPage.h"
 #include "support/MemoryFixture.h"
 #include "ui/Form.h"
-#include "ui/HeadlessHost.h"
 
 namespace orvex {
 namespace {

@@ -1,7 +1,5 @@
 #include "pages/MainWindow.h"
 
-#include <gtest/gtest.h>
-
 #include "core/AppState.h"
 #include "definitions/DefinitionCompiler.h"
 #include "stores/AllowedItems.h"

@@ -2,10 +2,6 @@
 // Yes or No, the repair to one blank, and the default values put back.
 #include "scan/NetworkScan.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "core/AppState.h"
 #include "core/Config.h"
 #include "core/Text.h"

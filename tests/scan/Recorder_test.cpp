@@ -3,13 +3,8 @@
 #include "scan/Recorder.h"
 
 #include <algorithm>
-#include <string>
-#include <vector>
 
-#include "core/AppState.h"
-#include "definitions/DefinitionTables.h"
 #include "pages/ScanPage.h"
-#include "platform/Failure.h"
 #include "scan/ScanFixture.h"
 
 namespace orvex {

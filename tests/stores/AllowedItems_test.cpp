@@ -1,13 +1,9 @@
 // AllowedItems_test.cpp: Exclude.dat read, rewritten and edited through frmexclude.
 #include "stores/AllowedItems.h"
 
-#include <string>
-#include <vector>
-
 #include "core/AppState.h"
 #include "core/AtomicFile.h"
 #include "pages/ExcludePage.h"
-#include "platform/Failure.h"
 #include "support/MemoryFixture.h"
 #include "ui/Form.h"
 

@@ -2,12 +2,8 @@
 // ".asw" stems.
 #include "stores/BackupStore.h"
 
-#include <string>
-#include <vector>
-
 #include "core/AppState.h"
 #include "core/AtomicFile.h"
-#include "platform/Failure.h"
 #include "support/FailureOf.h"
 #include "support/MemoryFixture.h"
 #include "ui/Form.h"

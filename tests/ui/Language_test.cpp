@@ -3,7 +3,6 @@
 #include "ui/Language.h"
 
 #include <set>
-#include <string>
 
 #include "core/AppState.h"
 #include "support/MemoryFixture.h"
