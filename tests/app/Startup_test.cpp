@@ -2,14 +2,11 @@
 // update and the first window's placement.
 #include "app/Startup.h"
 
-#include <gtest/gtest.h>
-
 #include "core/AppState.h"
 #include "pages/MainWindow.h"
 #include "pages/ScanPage.h"
 #include "support/MemoryFixture.h"
 #include "ui/Form.h"
-#include "ui/HeadlessHost.h"
 
 namespace orvex {
 namespace {
@@ -21,15 +18,12 @@ constexpr const char* kAppFolder = "C:\\Program Files\\Orvex Sentry";
 
 class StartupTest : public testing::MemoryPlatformTest {
   protected:
-    StartupTest() : hostInstalled(host) {
-        ui::ResetForms();
+    StartupTest() {
         system.setExecutablePath(std::string(kAppFolder) + "\\OrvexSentry.exe");
         files.addFolder(kAppFolder);
         files.addFolder("C:\\Data");
         registry.setString(Hive::LocalMachine, kKey, "DataPath", "C:\\Data");
     }
-    ~StartupTest() override { ui::ResetForms(); }
-
     // The next Main runs as a new process would: fresh state, no mutexes left behind.
     void NewProcess() {
         App() = AppState{};
@@ -40,14 +34,11 @@ class StartupTest : public testing::MemoryPlatformTest {
     std::string Value(const char* name) {
         return registry.data(Hive::LocalMachine, kKey, name).value_or("<missing>");
     }
-
-    ui::HeadlessHost host;
-    ui::ScopedHost hostInstalled;
 };
 
 TEST_F(StartupTest, QuietSpellingsCloseOtherCopiesAndTouchNothingElse) {
     for (const char* spelling : {"/q", "/Q", "\\q", "\\Q"}) {
-        App() = AppState{};
+        NewProcess();
         registry.removeKey(Hive::LocalMachine, kKey);
         const auto own = system.addWindow("Orvex Sentry", processes.currentProcessId());
         const auto other = system.addWindow("Scan - ORVEX SENTRY", 77);
@@ -88,15 +79,13 @@ TEST_F(StartupTest, SecondStartOfTheSameProgramEndsAtOnce) {
         platform::ScopedPlatform installed(first.view());
         EXPECT_EQ(Main(""), StartOutcome::Running);
     }
-    App() = AppState{};
-    ui::ResetForms();
+    NewProcess();
     {
         platform::ScopedPlatform installed(second.view());
         EXPECT_EQ(Main(""), StartOutcome::SecondInstance);
         EXPECT_FALSE(second.registry.hasKey(Hive::LocalMachine, kKey));
     }
-    App() = AppState{};
-    ui::ResetForms();
+    NewProcess();
     platform::ScopedPlatform installed(otherUser.view());
     EXPECT_EQ(Main(""), StartOutcome::Running);
 }
@@ -184,8 +173,7 @@ TEST_F(StartupTest, MutexNameFollowsTheWindowsFamily) {
         m.files.addFolder(kAppFolder);
         m.processes.setOsVersion(c.id, c.major, c.minor);
         platform::ScopedPlatform installed(m.view());
-        App() = AppState{};
-        ui::ResetForms();
+        NewProcess();
         Main("");
         if (c.name == nullptr) {
             EXPECT_EQ(App().SingleInstanceMutex, 0u) << c.major;

@@ -1,10 +1,6 @@
 // AtomicFile_test.cpp: whole-file rewrites leave the old or the new file, never a torn one.
 #include "core/AtomicFile.h"
 
-#include <string>
-#include <vector>
-
-#include "platform/Failure.h"
 #include "support/MemoryFixture.h"
 
 namespace orvex {

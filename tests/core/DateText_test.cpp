@@ -1,8 +1,6 @@
 // DateText_test.cpp: the error log's date pattern and the general date form.
 #include "core/DateText.h"
 
-#include <gtest/gtest.h>
-
 #include "support/MemoryFixture.h"
 
 namespace orvex {

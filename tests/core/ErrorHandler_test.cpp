@@ -1,8 +1,6 @@
 // ErrorHandler_test.cpp: failure classification, the error log entry and the Procedure idiom.
 #include "core/ErrorHandler.h"
 
-#include <string>
-
 #include "core/AppState.h"
 #include "support/MemoryFixture.h"
 

@@ -2,8 +2,6 @@
 // of text files, on the memory file system.
 #include "core/TextFile.h"
 
-#include <gtest/gtest.h>
-
 #include "support/FailureOf.h"
 #include "support/MemoryFixture.h"
 

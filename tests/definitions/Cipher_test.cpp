@@ -2,8 +2,6 @@
 // stored lines computed independently of this code.
 #include "definitions/Cipher.h"
 
-#include <gtest/gtest.h>
-
 #include "core/AppState.h"
 #include "core/Rnd.h"
 #include "definitions/Coding.h"

@@ -3,8 +3,6 @@
 // damaged files.
 #include "definitions/DefinitionLoader.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <random>
 
@@ -17,7 +15,6 @@
 #include "pages/MainWindow.h"
 #include "support/MemoryFixture.h"
 #include "support/SourceFile.h"
-#include "ui/HeadlessHost.h"
 
 namespace orvex {
 namespace {
@@ -49,8 +46,6 @@ Lines Filled(const TextTable& table) {
 class DefinitionLoaderTest : public testing::MemoryPlatformTest {
   protected:
     DefinitionLoaderTest() {
-        ui::ResetForms();
-        Definitions() = DefinitionTables{};
         App().DataFolder = kData;
         App().SystemFolder = "C:\\WINDOWS\\system32";
         App().WindowsFolder = "C:\\WINDOWS";
@@ -71,22 +66,26 @@ class DefinitionLoaderTest : public testing::MemoryPlatformTest {
         stale.Text = "stale";
         form.lvFiles.ListItems.push_back(stale);
     }
-    ~DefinitionLoaderTest() override {
-        ui::ResetForms();
-        Definitions() = DefinitionTables{};
-    }
-
     void Defs(std::string_view source) { files.addFile(kDefs, CompileDefinitionSource(source)); }
     void Static(std::string_view source) {
         files.addFile(kStatic, CompileDefinitionSource(source));
+    }
+    // The main window's state: "Image2 on/picture, Image3 on/picture, Image4 on, mnuRun on,
+    // rows of lvFiles; lbl1; lbldef".
+    static std::string MainWindow() {
+        const FrmMain& f = frmmain();
+        auto on = [](bool b) { return std::string(b ? "on" : "off"); };
+        return on(f.Image2.Enabled) + "/" + std::to_string(f.Image2.Picture) + " " +
+               on(f.Image3.Enabled) + "/" + std::to_string(f.Image3.Picture) + " " +
+               on(f.Image4.Enabled) + " " + on(f.mnuRun.Enabled) + " " +
+               std::to_string(f.lvFiles.ListItems.size()) + "; " + f.lbl1.Caption + "; " +
+               f.lbldef.Caption;
     }
     std::string Value(const char* name) {
         return registry.data(Hive::LocalMachine, config::kProductKey, name).value_or("<none>");
     }
 
     DefinitionTables& t = Definitions();
-    ui::HeadlessHost host;
-    ui::ScopedHost scopedHost{host};
 };
 
 const char* kTwoFiles = "[Files]\nBeta|Beta.EXE\nAlpha|alpha.dll\n[End]\n";
@@ -97,15 +96,7 @@ TEST_F(DefinitionLoaderTest, BothFilesMissingWarnsAndLeavesOnlyUpdateAndExit) {
     LoadReferenceFiles();
     ASSERT_EQ(host.Messages().size(), 1u);
     EXPECT_EQ(host.Messages()[0].prompt, "Definitions are missing");
-    FrmMain& form = frmmain();
-    EXPECT_EQ(form.lbl1.Caption, "No definitions loaded");
-    EXPECT_FALSE(form.Image2.Enabled);
-    EXPECT_FALSE(form.mnuRun.Enabled);
-    EXPECT_TRUE(form.Image3.Enabled);
-    EXPECT_EQ(form.Image3.Picture, 6);
-    EXPECT_TRUE(form.Image4.Enabled);
-    EXPECT_TRUE(form.lvFiles.ListItems.empty());
-    EXPECT_EQ(form.lbldef.Caption, "Definition File date: ");
+    EXPECT_EQ(MainWindow(), "off/14 on/6 on off 0; No definitions loaded; Definition File date: ");
     EXPECT_EQ(Value("DAT"), "");
     EXPECT_EQ(Value("StaticDAT"), "");
     EXPECT_EQ(Value("InstalledVer"), VersionText() + "||");
@@ -118,15 +109,9 @@ TEST_F(DefinitionLoaderTest, MissingStaticFileIsNoErrorAndTheScanComesOn) {
     EXPECT_EQ(Value("StaticDAT"), "");
     EXPECT_EQ(Value("DAT"), "11/15/2026");
     EXPECT_EQ(Value("InstalledVer"), VersionText() + "|11/15/2026|");
-    FrmMain& form = frmmain();
-    EXPECT_EQ(form.lbl1.Caption, "Definitions of 11/15/2026");
-    EXPECT_EQ(form.lbldef.Caption, "Definition File date: 11/15/2026");
-    EXPECT_TRUE(form.Image2.Enabled);
-    EXPECT_EQ(form.Image2.Picture, 1);
-    EXPECT_TRUE(form.Image3.Enabled);
-    EXPECT_EQ(form.Image3.Picture, 4);
-    EXPECT_TRUE(form.Image4.Enabled);
-    EXPECT_TRUE(form.mnuRun.Enabled);
+    EXPECT_EQ(MainWindow(),
+              "on/1 on/4 on on 0; Definitions of 11/15/2026; "
+              "Definition File date: 11/15/2026");
 }
 
 TEST_F(DefinitionLoaderTest, EmptyDefinitionFileCountsAsPresent) {
@@ -134,10 +119,7 @@ TEST_F(DefinitionLoaderTest, EmptyDefinitionFileCountsAsPresent) {
     LoadReferenceFiles();
     EXPECT_TRUE(host.Messages().empty());
     EXPECT_EQ(App().DefinitionDate, "");
-    EXPECT_EQ(frmmain().lbl1.Caption, "No definitions loaded");
-    EXPECT_TRUE(frmmain().mnuRun.Enabled);
-    EXPECT_EQ(frmmain().Image3.Picture, 4);
-    EXPECT_FALSE(frmmain().Image2.Enabled);
+    EXPECT_EQ(MainWindow(), "off/14 on/4 off on 0; No definitions loaded; Definition File date: ");
     for (TextTable* table : t.TextTables())
         EXPECT_EQ(table->Count, 0);
 }

@@ -1,6 +1,5 @@
 // LogFixture.h: the test base of the log tests: the memory back-end, the program folder
-// "C:\Orvex", the English language file loaded into LngArray, empty definition tables,
-// allowed items and ScumList, no forms, and a headless host the test can script.
+// "C:\Orvex" and the English language file loaded into LngArray.
 #pragma once
 
 #include <string>
@@ -14,8 +13,6 @@
 #include "stores/AllowedItems.h"
 #include "support/MemoryFixture.h"
 #include "support/SourceFile.h"
-#include "ui/Form.h"
-#include "ui/HeadlessHost.h"
 #include "ui/Language.h"
 
 namespace orvex::testing {
@@ -28,24 +25,11 @@ class LogTest : public MemoryPlatformTest {
     // The log's key as the tests know it, independent of how the program builds it.
     static constexpr const char* kExpectedKey = "OvsLogKey";
 
-    LogTest() : hosted_(host) {
-        ui::ResetForms();
+    LogTest() {
         App().AppPath = kFolder;
         App().DataFolder = std::string(kFolder) + "\\Data\\";
         files.addFolder(App().DataFolder);
         LoadEnglish();
-        Definitions() = DefinitionTables{};
-        ExclusionRecords().Clear();
-        ScumListOfRun().clear();
-        List1OfRun().Clear();
-    }
-    ~LogTest() override {
-        ui::ResetForms();
-        ScumListOfRun().clear();
-        List1OfRun().Clear();
-        ExclusionRecords().Clear();
-        Definitions() = DefinitionTables{};
-        CurrentLanguage().clear();
     }
 
     void LoadEnglish() {
@@ -67,11 +51,6 @@ class LogTest : public MemoryPlatformTest {
     }
 
     static std::string Stored(std::string plain) { return Encrypt(plain, kExpectedKey); }
-
-    ui::HeadlessHost host;
-
-  private:
-    ui::ScopedHost hosted_;
 };
 
 }  // namespace orvex::testing

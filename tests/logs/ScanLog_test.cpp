@@ -3,8 +3,6 @@
 #include "logs/ScanLog.h"
 #include "scan/ScanLogWrite.h"
 
-#include <string>
-
 #include "core/Version.h"
 #include "logs/LogFixture.h"
 #include "pages/RemovalPage.h"

@@ -1,8 +1,6 @@
 // UsageReport_test.cpp: the lines of ovsstat.ph and the category text they carry.
 #include "logs/UsageReport.h"
 
-#include <string>
-
 #include "logs/LogFixture.h"
 
 namespace orvex {

@@ -8,16 +8,7 @@
 namespace orvex {
 namespace {
 
-class DetailsPageTest : public testing::MemoryPlatformTest {
-  protected:
-    DetailsPageTest() { Reset(); }
-    ~DetailsPageTest() override { Reset(); }
-    static void Reset() {
-        ui::ResetForms();
-        ScumListOfRun().clear();
-        List1OfRun().Clear();
-    }
-};
+using DetailsPageTest = testing::MemoryPlatformTest;
 
 TEST_F(DetailsPageTest, ViewsReadTheRecordersListsAcrossUnloads) {
     ScumListDetailsAdd("Evil", "FileSystem", "C:\\Temp\\", "evil.exe", "");

@@ -2,8 +2,6 @@
 // lines, the tails kept of long logs, and the error log shortened by a trimmed view.
 #include "pages/LogPage.h"
 
-#include <string>
-
 #include "logs/LogFixture.h"
 #include "logs/ScanLog.h"
 #include "scan/ScanLogWrite.h"

@@ -1,32 +1,22 @@
 #include "pages/MainWindow.h"
 
-#include <gtest/gtest.h>
-
 #include "core/AppState.h"
 #include "definitions/DefinitionCompiler.h"
-#include "definitions/DefinitionTables.h"
 #include "stores/AllowedItems.h"
 #include "stores/BackupStore.h"
 #include "support/MemoryFixture.h"
-#include "ui/HeadlessHost.h"
 
 namespace orvex {
 namespace {
 
 class MainWindowTest : public testing::MemoryPlatformTest {
   protected:
-    MainWindowTest() : installed(host) {
-        ui::ResetForms();
-        Definitions() = DefinitionTables{};
+    MainWindowTest() {
         App().AppPath = "C:\\App";
         App().DataFolder = "C:\\Data\\";
         files.addFolder("C:\\App");
         files.addFolder("C:\\Data");
     }
-    ~MainWindowTest() override { ui::ResetForms(); }
-
-    ui::HeadlessHost host;
-    ui::ScopedHost installed;
 };
 
 TEST_F(MainWindowTest, ActionsLoadsAllowedListDefinitionsAndBackupsAndCreatesTheKey) {

@@ -2,9 +2,7 @@
 // scan, leaving and closing the page, the stage texts, the drives that are walked, LastScan
 // and the yielding pause.
 #include <string>
-#include <vector>
 
-#include "core/AppState.h"
 #include "core/Config.h"
 #include "pages/ResultsPage.h"
 #include "pages/ScanPage.h"

@@ -2,11 +2,6 @@
 // module-usage entries found by digest or by name.
 #include "scan/ComScan.h"
 
-#include <algorithm>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "logs/LogFixture.h"
 #include "platform/Md5.h"
 #include "scan/IndexPlanting.h"
@@ -35,33 +30,15 @@ class ComScanTest : public testing::LogTest {
         return rows;
     }
 
-    static void Digests(testing::ThreatPairs hashThreat) {
-        testing::PlantDigests(std::move(hashThreat));
-    }
-    static void Names(testing::ThreatPairs nameThreat) {
-        testing::PlantNames(std::move(nameThreat));
-    }
-
     void ModuleEntry(const std::string& name) {
         registry.addKey(Hive::LocalMachine, kModuleUsage + "\\" + name);
     }
 };
 
-TEST_F(ComScanTest, TableHoldsTheTwentyOnePlacesInOrder) {
-    EXPECT_EQ(ComKeyTable[0].path, "CLSID");
-    EXPECT_EQ(ComKeyTable[0].rootName, "HKEY_CLASSES_ROOT");
-    EXPECT_EQ(ComKeyTable[1].path, "");
-    EXPECT_EQ(ComKeyTable[8].root, Hive::LocalMachine);
-    EXPECT_EQ(ComKeyTable[9].root, Hive::CurrentUser);
-    EXPECT_EQ(ComKeyTable[16].path, "SOFTWARE\\Microsoft\\Internet Explorer\\Toolbar");
-    EXPECT_EQ(ComKeyTable[20].rootName, "HKEY_CURRENT_USER");
-    EXPECT_EQ(ComKeyTable[20].path, "software\\classes\\appid");
-}
-
 TEST_F(ComScanTest, EachPlaceReportsAKeyUnderItsOwnLocation) {
     for (const ComKeyRow& place : std::vector<ComKeyRow>(ComKeyTable.begin(), ComKeyTable.end())) {
         SCOPED_TRACE(place.rootName + "\\" + place.path);
-        ScumListOfRun().clear();
+        ScumListOfRun().clear();  // each place on its own
         const std::string key = place.path.empty() ? kClsid : place.path + "\\" + kClsid;
         registry.addKey(place.root, key);
         Locate();
@@ -136,7 +113,7 @@ TEST_F(ComScanTest, ExtractFileNameSpecialCases) {
 }
 
 TEST_F(ComScanTest, ModuleUsageMissingKeyIsNoFailure) {
-    Names({{"x.dll", "Bad"}});
+    testing::PlantNames({{"x.dll", "Bad"}});
     EnumerateSpecialKeys();
     EXPECT_EQ(ScumListOfRun().count(), 0);
     EXPECT_FALSE(files.exists(kErrorLog));
@@ -145,7 +122,7 @@ TEST_F(ComScanTest, ModuleUsageMissingKeyIsNoFailure) {
 TEST_F(ComScanTest, ModuleUsageEntryWhoseFileHasGoneIsFoundByNameUnderEachThreat) {
     ModuleEntry("c:/windows/system/BAD.dll");
     ModuleEntry("c:/windows/system/good.dll");
-    Names({{"bad.dll", "One"}, {"bad.dll", "Two"}, {"other.dll", "Three"}});
+    testing::PlantNames({{"bad.dll", "One"}, {"bad.dll", "Two"}, {"other.dll", "Three"}});
     EnumerateSpecialKeys();
     ASSERT_EQ(ScumListOfRun().count(), 2);
     for (const ScumRow& row : ScumListOfRun()) {
@@ -160,8 +137,9 @@ TEST_F(ComScanTest, ModuleUsageEntryWhoseFileHasGoneIsFoundByNameUnderEachThreat
 TEST_F(ComScanTest, ModuleUsageDigestHitWinsOverTheName) {
     files.addFile("C:\\Win\\bad.dll", "payload");
     ModuleEntry("C:/Win/bad.dll");
-    Digests({{platform::Md5Hex("payload"), "ByHash"}, {"00000000000000000000000000000000", "Z"}});
-    Names({{"bad.dll", "ByName"}});
+    testing::PlantDigests(
+        {{platform::Md5Hex("payload"), "ByHash"}, {"00000000000000000000000000000000", "Z"}});
+    testing::PlantNames({{"bad.dll", "ByName"}});
     EnumerateSpecialKeys();
     ASSERT_EQ(ScumListOfRun().count(), 1);
     EXPECT_EQ(ScumListOfRun().row(1).name, "ByHash");
@@ -171,7 +149,7 @@ TEST_F(ComScanTest, ModuleUsageDigestHitWinsOverTheName) {
 
 TEST_F(ComScanTest, ModuleUsageNamesAboveAsciiAreLowerCasedAsAnsi) {
     ModuleEntry("c:/x/\xC9VIL.dll");
-    Names({{"\xE9vil.dll", "Accent"}});
+    testing::PlantNames({{"\xE9vil.dll", "Accent"}});
     EnumerateSpecialKeys();
     ASSERT_EQ(ScumListOfRun().count(), 1);
     EXPECT_EQ(ScumListOfRun().row(1).name, "Accent");
@@ -182,8 +160,8 @@ TEST_F(ComScanTest, ModuleUsageStopInTheDigestWalkEndsEverything) {
     ModuleEntry("C:/Win/a.dll");
     ModuleEntry("c:/gone/b.dll");
     std::string hash = platform::Md5Hex("a");
-    Digests({{hash, "A"}});
-    Names({{"a.dll", "NameA"}, {"b.dll", "NameB"}});
+    testing::PlantDigests({{hash, "A"}});
+    testing::PlantNames({{"a.dll", "NameA"}, {"b.dll", "NameB"}});
     host.AtYield(1, [] { App().StopRequested = VbTrue; });
     EnumerateSpecialKeys();
     EXPECT_EQ(ScumListOfRun().count(), 0);

@@ -3,22 +3,13 @@
 // and the start-up removal of the surveillance agent.
 #include "scan/MemoryScan.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
 #include <tuple>
-#include <vector>
 
-#include "core/AppState.h"
-#include "definitions/DefinitionTables.h"
 #include "logs/LogFile.h"
 #include "platform/Md5.h"
-#include "scan/Recorder.h"
+#include "scan/IndexPlanting.h"
 #include "scan/RunProc.h"
 #include "scan/ScanFixture.h"
-#include "ui/Form.h"
-#include "ui/HeadlessHost.h"
 
 namespace orvex {
 namespace {
@@ -35,17 +26,12 @@ class MemoryScanTest : public testing::ScanTest {
         return processes.addProcess(path);
     }
 
-    // The digest index as the loader leaves it: the empty element first, then sorted.
-    static void Digests(std::vector<std::pair<std::string, std::string>> bytesAndThreat) {
-        auto& index = Definitions().Md5Index;
-        index.Items.assign(1, Md5Record{});
-        for (const auto& [bytes, threat] : bytesAndThreat) {
-            const std::string hash = platform::Md5Hex(bytes);
-            index.Items.push_back(Md5Record{threat, static_cast<std::int16_t>(hash[0]), hash});
-        }
-        std::sort(index.Items.begin() + 1, index.Items.end(),
-                  [](const Md5Record& a, const Md5Record& b) { return a.Hash < b.Hash; });
-        index.Count = static_cast<std::int32_t>(bytesAndThreat.size());
+    // The digest index for images of these bytes.
+    static void Digests(const testing::ThreatPairs& bytesAndThreat) {
+        testing::ThreatPairs hashes;
+        for (const auto& [bytes, threat] : bytesAndThreat)
+            hashes.emplace_back(platform::Md5Hex(bytes), threat);
+        testing::PlantDigests(hashes);
     }
     // File names and their threats, each with an [Exclusion] line giving `code`.
     static void Names(std::vector<std::tuple<std::string, std::string, int>> entries) {
@@ -135,13 +121,8 @@ TEST_F(MemoryScanTest, DigestHitIsAConfirmedRowAndDecidesBeforeTheName) {
     Digests({{"evil bytes", "Evil Agent"}});
     Names({{"evil.exe", "Name Threat", 0}});
     Scan();
-    ASSERT_EQ(Rows().count(), 1);
-    const ScumRow& row = Rows().row(1);
-    EXPECT_EQ(row.name, "Evil Agent");
-    EXPECT_EQ(row.category, kMemory);
-    EXPECT_EQ(row.level, kLevelConfirmed);
-    EXPECT_EQ(row.location, "C:\\Apps\\");
-    EXPECT_EQ(row.item, "evil.exe");
+    EXPECT_EQ(Findings(),
+              std::vector<std::string>{"Evil Agent|Memory Resident|Confirmed|C:\\Apps\\|evil.exe"});
 }
 
 TEST_F(MemoryScanTest, FirstListedProcessIsNeverTestedAndUnreadableOnesDoNotCount) {

@@ -2,16 +2,11 @@
 // Yes or No, the repair to one blank, and the default values put back.
 #include "scan/NetworkScan.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "core/AppState.h"
 #include "core/Config.h"
 #include "core/Text.h"
 #include "scan/Recorder.h"
 #include "support/MemoryFixture.h"
-#include "ui/HeadlessHost.h"
 
 namespace orvex {
 namespace {
@@ -24,8 +19,7 @@ const std::string kParameters002 = "SYSTEM\\CurrentControlSet002\\Services\\Tcpi
 
 class NetworkScanTest : public testing::MemoryPlatformTest {
   protected:
-    NetworkScanTest() : hostGuard_(host) {
-        ScumListOfRun().clear();
+    NetworkScanTest() {
         LngArray()[667] = "Your DNS suffix was changed. Repair it?";
         host.DefaultAnswer(ui::msgbox::kNo);
     }
@@ -36,11 +30,6 @@ class NetworkScanTest : public testing::MemoryPlatformTest {
     std::string DomainOf(const std::string& key) {
         return registry.data(Hive::LocalMachine, key, "Domain").value_or("<none>");
     }
-
-    ui::HeadlessHost host;
-
-  private:
-    ui::ScopedHost hostGuard_;
 };
 
 TEST_F(NetworkScanTest, CleanSettingsShowNoDialog) {

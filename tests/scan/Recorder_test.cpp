@@ -3,21 +3,9 @@
 #include "scan/Recorder.h"
 
 #include <algorithm>
-#include <initializer_list>
-#include <random>
-#include <string>
-#include <tuple>
-#include <vector>
 
-#include "core/AppState.h"
-#include "core/Convert.h"
-#include "core/Text.h"
-#include "definitions/DefinitionTables.h"
 #include "pages/ScanPage.h"
-#include "platform/Failure.h"
 #include "scan/ScanFixture.h"
-#include "ui/Form.h"
-#include "ui/HeadlessHost.h"
 
 namespace orvex {
 namespace {
@@ -296,93 +284,6 @@ TEST_F(RecorderTest, ExclusionConversionFailureKeepsTheResultSoFar) {
     Definitions() = DefinitionTables{};
     Exclusions({"b.exe|x|||3|bad"});
     EXPECT_EQ(ExclusionRoutine("b.exe", "C:\\", "x"), 3);
-}
-
-// ---------------------------------------------------------------------------------------
-// The indexed recorder against the plain walks it replaces.
-
-struct ReferenceRecorder {
-    std::vector<ScumRow> rows;
-    std::vector<std::string> list1;
-    std::int32_t scumCount = 0;
-
-    void Add(const std::string& name, const std::string& category, const std::string& location,
-             const std::string& item, std::string level) {
-        if (level.empty()) level = "Confirmed";
-        bool duplicate = false;
-        for (const ScumRow& r : rows) {
-            if (r.level == level && r.location == location && LCase(r.item) == LCase(item) &&
-                r.category == category && LCase(r.name) == LCase(name))
-                duplicate = true;
-        }
-        if (duplicate) return;
-        int severity = 1;
-        for (const std::string& line : Definitions().ItemListDefs.Items) {
-            const auto fields = Split(line, "|", -1, Compare::Text);
-            if (fields.empty() || LCase(fields[0]) != LCase(name)) continue;
-            severity = fields.size() < 2 || fields[1].empty() ? 1 : CInt(fields[1]);
-            break;
-        }
-        const int icon = severity < 3 ? 1 : severity == 3 ? 2 : 3;
-        rows.push_back(
-            {name, category, level, location, item, category == "Cookie" ? kNoIcon : icon, false});
-        list1.clear();
-        for (const ScumRow& r : rows) {
-            bool found = false;
-            for (std::size_t i = 0; i <= list1.size(); ++i) {
-                const std::string entry = i < list1.size() ? list1[i] : "";
-                if (LCase(entry) == LCase(r.name)) found = true;
-            }
-            if (!found) list1.push_back(r.name);
-        }
-        scumCount = static_cast<std::int32_t>(list1.size());
-    }
-};
-
-TEST_F(RecorderTest, IndexedRecorderEqualsThePlainWalksOverRandomAddsAndRemovals) {
-    ItemList({"spy|3", "SPY|5", "Adware|4", "\xC9vil|0"});
-    const std::vector<std::string> names = {"Spy",     "SPY",     "spy", "Adware", "adWARE",
-                                            "\xC9vil", "\xE9VIL", "",    "Other"};
-    const std::vector<std::string> categories = {"FileSystem", "Registry(Key)", "Cookie"};
-    const std::vector<std::string> locations = {"C:\\Temp\\", "C:\\TEMP\\", "HKEY_USERS\\x"};
-    const std::vector<std::string> items = {"a.exe", "A.EXE", "b.dll", ""};
-    const std::vector<std::string> levels = {"", "Confirmed", "Suspect"};
-
-    std::mt19937 random(20261122);
-    auto pick = [&](const std::vector<std::string>& from) {
-        return from[std::uniform_int_distribution<std::size_t>(0, from.size() - 1)(random)];
-    };
-    ReferenceRecorder reference;
-    for (int step = 0; step < 4000; ++step) {
-        const int action = std::uniform_int_distribution<int>(0, 9)(random);
-        const int rowCount = ScumListOfRun().count();
-        if (action < 6 || rowCount == 0) {
-            const std::string name = pick(names), category = pick(categories),
-                              location = pick(locations), item = pick(items), level = pick(levels);
-            reference.Add(name, category, location, item, level);
-            ScumListDetailsAdd(name, category, location, item, level);
-        } else if (action < 9) {
-            const int index = std::uniform_int_distribution<int>(1, rowCount)(random);
-            reference.rows.erase(reference.rows.begin() + (index - 1));
-            ScumListOfRun().removeRow(index);
-        } else if (!reference.list1.empty()) {
-            const int index = std::uniform_int_distribution<int>(
-                0, static_cast<int>(reference.list1.size()) - 1)(random);
-            reference.list1.erase(reference.list1.begin() + index);
-            List1OfRun().RemoveItem(index);
-        }
-        ASSERT_EQ(ScumListOfRun().count(), static_cast<std::int32_t>(reference.rows.size()));
-        for (std::int32_t i = 1; i <= ScumListOfRun().count(); ++i) {
-            const ScumRow& got = ScumListOfRun().row(i);
-            const ScumRow& want = reference.rows[static_cast<std::size_t>(i - 1)];
-            ASSERT_EQ(std::tie(got.name, got.category, got.level, got.location, got.item),
-                      std::tie(want.name, want.category, want.level, want.location, want.item))
-                << "step " << step << " row " << i;
-            ASSERT_EQ(got.icon, want.icon) << "step " << step << " row " << i;
-        }
-        ASSERT_EQ(List1(), reference.list1) << "step " << step;
-        ASSERT_EQ(App().ScumCount, reference.scumCount) << "step " << step;
-    }
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// ScanFixture.h: the base of the scan driver and file scan tests: a memory machine with
-// definitions compiled from a plain source, a scripted user and fresh forms and findings.
+// ScanFixture.h: the base of the scan tests: a memory machine with the program and data
+// folders, definitions compiled from a plain source, and the findings as text.
 #pragma once
 
 #include <string>
@@ -10,16 +10,14 @@
 #include "definitions/DefinitionLoader.h"
 #include "definitions/DefinitionTables.h"
 #include "scan/Recorder.h"
-#include "stores/AllowedItems.h"
 #include "support/MemoryFixture.h"
 #include "ui/Form.h"
-#include "ui/HeadlessHost.h"
 
 namespace orvex::testing {
 
 class ScanTest : public MemoryPlatformTest {
   protected:
-    ScanTest() : installedHost_(host) {
+    ScanTest() {
         App().AppPath = "C:\\Program Files\\Orvex";
         App().DataFolder = "C:\\Data\\";
         files.addFolder("C:\\Program Files\\Orvex");
@@ -29,15 +27,18 @@ class ScanTest : public MemoryPlatformTest {
     void LoadDefinitions(const std::string& source) {
         files.addFile("C:\\Data\\ovsdef.dat", CompileDefinitionSource(source));
         LoadReferenceFiles();
-        ui::ResetForms();
+        ui::ResetForms();  // the load shows its outcome on frmmain
     }
 
     static std::vector<ScumRow> Rows() { return {ScumListOfRun().begin(), ScumListOfRun().end()}; }
-
-    ui::HeadlessHost host;
-
-  private:
-    ui::ScopedHost installedHost_;
+    // Each finding as "name|category|level|location|item".
+    static std::vector<std::string> Findings() {
+        std::vector<std::string> out;
+        for (const ScumRow& r : ScumListOfRun())
+            out.push_back(r.name + "|" + r.category + "|" + r.level + "|" + r.location + "|" +
+                          r.item);
+        return out;
+    }
 };
 
 }  // namespace orvex::testing

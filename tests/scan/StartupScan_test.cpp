@@ -2,11 +2,7 @@
 // Uninstall subkeys by name, SharedDlls entries by digest and by bare name, and stops.
 #include "scan/StartupScan.h"
 
-#include <algorithm>
-#include <string>
 #include <tuple>
-#include <utility>
-#include <vector>
 
 #include "logs/LogFixture.h"
 #include "pages/ScanPage.h"
@@ -41,13 +37,6 @@ class StartupScanTest : public testing::LogTest {
             AppendLine(table, line);
     }
 
-    static void Digests(testing::ThreatPairs hashThreat) {
-        testing::PlantDigests(std::move(hashThreat));
-    }
-    static void Names(testing::ThreatPairs nameThreat) {
-        testing::PlantNames(std::move(nameThreat));
-    }
-
     void RunValue(Hive root, const std::string& name, const std::string& data) {
         registry.setString(root, kRun, name, data);
     }
@@ -56,7 +45,7 @@ class StartupScanTest : public testing::LogTest {
     void ListedFile(const std::string& path, const std::string& threat) {
         files.addFile(path, "payload of " + path);
         hashes_.emplace_back(platform::Md5Hex("payload of " + path), threat);
-        Digests(hashes_);
+        testing::PlantDigests(hashes_);
     }
 
   private:
@@ -193,7 +182,8 @@ TEST_F(StartupScanTest, SharedDllsByDigestThenByBareName) {
     registry.setDword(Hive::LocalMachine, kShared, "C:\\Gone\\NAMED.dll", 1);
     registry.setDword(Hive::LocalMachine, kShared, "C:\\Win\\clean.dll", 1);
     registry.setDword(Hive::LocalMachine, kShared, "C:\\Win\\", 1);
-    Names({{"hashed.dll", "ByName"}, {"named.dll", "NameOne"}, {"named.dll", "NameTwo"}});
+    testing::PlantNames(
+        {{"hashed.dll", "ByName"}, {"named.dll", "NameOne"}, {"named.dll", "NameTwo"}});
     SharedDLLRegistry();
     const std::string location = "HKEY_LOCAL_MACHINE\\" + kShared;
     // No [Exclusion] line holds these names: the listed name alone is the finding.
@@ -207,7 +197,7 @@ TEST_F(StartupScanTest, SharedDllsByDigestThenByBareName) {
 TEST_F(StartupScanTest, SharedDllsStopAtTheNameWalk) {
     registry.setDword(Hive::LocalMachine, kShared, "C:\\a.dll", 1);
     registry.setDword(Hive::LocalMachine, kShared, "C:\\b.dll", 1);
-    Names({{"a.dll", "A"}, {"b.dll", "B"}});
+    testing::PlantNames({{"a.dll", "A"}, {"b.dll", "B"}});
     App().StopRequested = VbTrue;
     host.AtYield(1, [] { App().StopRequested = VbTrue; });
     SharedDLLRegistry();

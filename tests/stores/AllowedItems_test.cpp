@@ -1,13 +1,9 @@
 // AllowedItems_test.cpp: Exclude.dat read, rewritten and edited through frmexclude.
 #include "stores/AllowedItems.h"
 
-#include <string>
-#include <vector>
-
 #include "core/AppState.h"
 #include "core/AtomicFile.h"
 #include "pages/ExcludePage.h"
-#include "platform/Failure.h"
 #include "support/MemoryFixture.h"
 #include "ui/Form.h"
 
@@ -23,16 +19,10 @@ struct Rec {
 class AllowedItemsTest : public testing::MemoryPlatformTest {
   protected:
     AllowedItemsTest() {
-        ui::ResetForms();
-        ExclusionRecords().Clear();
         App().AppPath = "C:\\App";
         App().DataFolder = "C:\\Data\\";
         files.addFolder("C:\\App");
         files.addFolder("C:\\Data");
-    }
-    ~AllowedItemsTest() override {
-        ui::ResetForms();
-        ExclusionRecords().Clear();
     }
 
     static std::vector<Rec> Records() {

@@ -2,12 +2,8 @@
 // ".asw" stems.
 #include "stores/BackupStore.h"
 
-#include <string>
-#include <vector>
-
 #include "core/AppState.h"
 #include "core/AtomicFile.h"
-#include "platform/Failure.h"
 #include "support/FailureOf.h"
 #include "support/MemoryFixture.h"
 #include "ui/Form.h"
@@ -29,17 +25,11 @@ class FakeBlocked : public ui::Form {
 class BackupStoreTest : public testing::MemoryPlatformTest {
   protected:
     BackupStoreTest() {
-        ui::ResetForms();
-        BackupRecords().Clear();
         App().AppPath = "C:\\App";
         App().BackupFolder = "C:\\App\\Backup";
         App().DataFolder = "C:\\Data\\";
         files.addFolder("C:\\App\\Backup");
         files.addFolder("C:\\Data");
-    }
-    ~BackupStoreTest() override {
-        ui::ResetForms();
-        BackupRecords().Clear();
     }
 
     static std::vector<std::string> Fields(const BackupRecord& r) {

@@ -1,4 +1,4 @@
-// MemoryFixture.cpp: installs and removes the memory back-end around each test.
+// MemoryFixture.cpp: installs and removes the memory back-end and the host around each test.
 #include "support/MemoryFixture.h"
 
 #include "app/ProcessState.h"
@@ -10,9 +10,12 @@ MemoryPlatformTest::MemoryPlatformTest() {
     ResetProcessState();
     files.addDrive("C:\\", platform::drivetype::kFixed);
     installed_ = std::make_unique<platform::ScopedPlatform>(machine.view());
+    // After the reset, which installs a host of its own.
+    hosted_ = std::make_unique<ui::ScopedHost>(host);
 }
 
 MemoryPlatformTest::~MemoryPlatformTest() {
+    hosted_.reset();
     installed_.reset();
     ResetProcessState();
 }

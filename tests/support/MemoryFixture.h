@@ -1,5 +1,5 @@
 // MemoryFixture.h: the test base of every engine test: the process reset, a fresh memory
-// back-end installed for the test, and a fixed disk "C:\".
+// back-end and a scriptable headless host installed for the test, and a fixed disk "C:\".
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/memory/MemoryPlatform.h"
+#include "ui/HeadlessHost.h"
 
 namespace orvex::testing {
 
@@ -25,9 +26,11 @@ class MemoryPlatformTest : public ::testing::Test {
     platform::memory::MemoryFileSystem& files = machine.files;
     platform::memory::MemoryProcesses& processes = machine.processes;
     platform::memory::MemorySystem& system = machine.system;
+    ui::HeadlessHost host;
 
   private:
     std::unique_ptr<platform::ScopedPlatform> installed_;
+    std::unique_ptr<ui::ScopedHost> hosted_;
 };
 
 }  // namespace orvex::testing

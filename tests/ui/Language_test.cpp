@@ -3,7 +3,6 @@
 #include "ui/Language.h"
 
 #include <set>
-#include <string>
 
 #include "core/AppState.h"
 #include "support/MemoryFixture.h"
@@ -22,7 +21,6 @@ class LanguageTest : public testing::MemoryPlatformTest {
         App().AppPath = "C:\\Program Files\\Orvex";
         CurrentLanguage() = "Test";
     }
-    ~LanguageTest() override { CurrentLanguage().clear(); }
 
     void Load(const std::string& bytes) {
         files.addFile(kFolder + "Test.lng", bytes);
