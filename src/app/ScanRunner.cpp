@@ -106,10 +106,33 @@ ScanProblem LoadData() {
     return ScanProblem::kNone;
 }
 
-HeadlessScanResult Refused(ScanProblem problem) {
+// The problem in engine paths, for callers with no user to word it for.
+std::string ProblemText(ScanProblem problem, const HeadlessScanRequest& request) {
+    const std::string& data = App().DataFolder;
+    switch (problem) {
+        case ScanProblem::kNoDataPath:
+            return "no definition folder and no DataPath";
+        case ScanProblem::kNoDataFolder:
+            return "no folder " + data;
+        case ScanProblem::kNoDefinitions:
+            return "no ovsdef.dat in " + data;
+        case ScanProblem::kUnusableDefinitions:
+            return "the definitions in " + data + " are not usable";
+        case ScanProblem::kNoProgramFolder:
+            return "no folder " + App().AppPath;
+        case ScanProblem::kNoScanFolder:
+            return "no folder " + request.folder;
+        case ScanProblem::kNone:
+            break;
+    }
+    return {};
+}
+
+HeadlessScanResult Refused(ScanProblem problem, const HeadlessScanRequest& request) {
     HeadlessScanResult result;
     result.exitCode = 2;
     result.problem = problem;
+    result.error = ProblemText(problem, request);
     result.dataFolder = App().DataFolder;
     return result;
 }
@@ -121,9 +144,9 @@ HeadlessScanResult RunHeadlessScan(const HeadlessScanRequest& request) {
     ui::ScopedHost installed(host);
     host.DefaultAnswer(ui::msgbox::kNo);
     if (const ScanProblem problem = SetFolders(request); problem != ScanProblem::kNone)
-        return Refused(problem);
+        return Refused(problem, request);
     if (const ScanProblem problem = LoadData(); problem != ScanProblem::kNone)
-        return Refused(problem);
+        return Refused(problem, request);
     // A new scan, as the rescan commands start one.
     App().StopRequested = VbFalse;
     FrmScan& page = frmscan();

@@ -39,6 +39,7 @@ enum class ScanProblem {
 struct HeadlessScanResult {
     int exitCode = 0;  // 0 nothing found, 1 threats found, 2 error
     ScanProblem problem = ScanProblem::kNone;
+    std::string error;  // the problem in engine paths
     // The definition folder used, closed by a backslash: the registry's when none was asked.
     std::string dataFolder;
     std::vector<ScumRow> findings;

@@ -44,7 +44,10 @@ fs::path OrvexProgram() {
 }
 
 std::string Quoted(const fs::path& path) {
-    return "\"" + path.string() + "\"";
+    std::string quoted = "\"";
+    quoted += path.string();
+    quoted += '"';
+    return quoted;
 }
 
 std::string ReadAll(const fs::path& path) {
@@ -81,7 +84,7 @@ class CliTest : public ::testing::Test {
         std::string command = Quoted(OrvexProgram()) + " " + arguments + " 2>" + Quoted(errors);
         Outcome run;
 #ifdef _WIN32
-        command = "\"" + command + "\"";  // cmd /c takes off the outer quotes
+        command = Quoted(command);  // cmd /c takes off the outer quotes
         FILE* pipe = _popen(command.c_str(), "r");
 #else
         FILE* pipe = popen(command.c_str(), "r");
