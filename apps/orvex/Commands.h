@@ -1,7 +1,7 @@
-// Commands.h: the subcommands of the orvex command line, one file each.
+// Commands.h: the commands of the orvex command line, one file each. Only main.cpp knows
+// the parser: each command is a plain function of its options and returns the exit code.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 
@@ -16,13 +16,28 @@ inline constexpr int kExitError = 2;
 // cannot reach it.
 std::optional<std::string> EnginePath(const std::string& nativePath);
 
-// Each adds its subcommand; the callback sets `exitCode`.
-void AddVersionCommand(CLI::App& app, int& exitCode);
+struct DefsCompileOptions {
+    std::string source, output;
+};
+struct DefsDumpOptions {
+    std::string file;
+    bool json = false;
+};
+struct LogShowOptions {
+    std::string file;  // empty: Logged.txt in the program's folder
+};
+struct ScanOptions {
+    std::string data, path, appDir;  // as typed; empty when not given
+    bool json = false;
+};
+
+int PrintVersion();
 // orvex defs compile|dump: definition files for their authors.
-void AddDefsCommands(CLI::App& app, int& exitCode);
+int CompileDefinitions(const DefsCompileOptions& options);
+int DumpDefinitions(const DefsDumpOptions& options);
 // orvex log show: the deciphered scan log.
-void AddLogCommands(CLI::App& app, int& exitCode);
+int ShowLog(const LogShowOptions& options);
 // orvex scan: the whole scan without windows.
-void AddScanCommand(CLI::App& app, int& exitCode);
+int Scan(const ScanOptions& options);
 
 }  // namespace orvex::cli

@@ -1,6 +1,5 @@
 // LogCommands.cpp: orvex log show [FILE]: the scan log, deciphered, record by record.
 #include <iostream>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -31,15 +30,10 @@ void PrintRecord(const std::string& record) {
     std::cout << text;
 }
 
-int ShowLog(const std::string& file) {
-    const std::optional<std::string> path = file.empty() ? DefaultLogPath() : EnginePath(file);
-    const std::string shown = file.empty() ? path.value_or("") : file;
-    if (!path) {
-        std::cerr << "orvex: cannot read " << shown << ": not a path the program can reach\n";
-        return kExitError;
-    }
+// Prints the log at `path`; `shown` names it in messages.
+int PrintLog(const std::string& path, const std::string& shown) {
     try {
-        ReadScanLog(*path, PrintRecord);
+        ReadScanLog(path, PrintRecord);
     } catch (const Failure& f) {
         std::cerr << "orvex: cannot read " << shown << ": " << f.what() << "\n";
         return kExitError;
@@ -50,14 +44,25 @@ int ShowLog(const std::string& file) {
 
 }  // namespace
 
-void AddLogCommands(CLI::App& app, int& exitCode) {
-    auto* log = app.add_subcommand("log", "Read the scan log");
-    log->require_subcommand(1);
-    auto* show = log->add_subcommand(
-        "show", "Print the deciphered records of Logged.txt; damaged lines show as ERR1 or ERR2");
-    auto file = std::make_shared<std::string>();
-    show->add_option("FILE", *file, "The log file (default: Logged.txt in the program's folder)");
-    show->callback([&exitCode, file] { exitCode = ShowLog(*file); });
+int ShowLog(const LogShowOptions& o) {
+    if (o.file.empty()) {
+        const std::string path = DefaultLogPath();
+        if (platform::FileHelper().FileExists(path)) return PrintLog(path, "Logged.txt");
+        std::cerr << "orvex: no scan log yet: `orvex scan` writes Logged.txt beside orvex (or "
+                     "in the folder of its --app-dir); name another log with `orvex log show "
+                     "FILE`\n";
+        return kExitError;
+    }
+    const std::optional<std::string> path = EnginePath(o.file);
+    if (!path) {
+        std::cerr << "orvex: " << o.file << ": not a path the program can reach\n";
+        return kExitError;
+    }
+    if (!platform::FileHelper().FileExists(*path)) {
+        std::cerr << "orvex: " << o.file << ": no such file\n";
+        return kExitError;
+    }
+    return PrintLog(*path, o.file);
 }
 
 }  // namespace orvex::cli

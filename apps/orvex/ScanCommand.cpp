@@ -2,14 +2,13 @@
 // table or as JSON, and the exit code of the outcome.
 #include <cstdio>
 #include <iostream>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 
 #include "Commands.h"
 #include "app/ScanRunner.h"
-#include "platform/Failure.h"
+#include "core/Config.h"
 #include "platform/FileHelper.h"
 #include "platform/Platform.h"
 #ifdef _WIN32
@@ -21,10 +20,11 @@
 namespace orvex::cli {
 namespace {
 
-struct ScanOptions {
-    std::string data, path, appDir;
-    bool json = false;
-};
+#ifdef _WIN32
+constexpr char kSeparator = '\\';
+#else
+constexpr char kSeparator = '/';
+#endif
 
 bool StdoutIsTerminal() {
 #ifdef _WIN32
@@ -53,21 +53,91 @@ nlohmann::json FindingsJson(const HeadlessScanResult& result) {
 
 // Fills the request's folders from the options; false with a message on a bad one.
 bool FillRequest(const ScanOptions& o, HeadlessScanRequest& request) {
-    const std::pair<const std::string*, std::string*> folders[] = {
-        {&o.data, &request.dataFolder}, {&o.path, &request.folder}, {&o.appDir, &request.appPath}};
-    for (const auto& [native, engine] : folders) {
-        if (native->empty()) continue;
-        const std::optional<std::string> path = EnginePath(*native);
+    struct Folder {
+        const char* option;
+        const std::string& typed;
+        std::string& engine;
+    };
+    const Folder folders[] = {{"--data", o.data, request.dataFolder},
+                              {"--path", o.path, request.folder},
+                              {"--app-dir", o.appDir, request.appPath}};
+    for (const Folder& folder : folders) {
+        if (folder.typed.empty()) continue;
+        const std::optional<std::string> path = EnginePath(folder.typed);
         if (!path) {
-            std::cerr << "orvex: " << *native << ": not a path the program can reach\n";
+            std::cerr << "orvex: " << folder.option << " " << folder.typed
+                      << ": not a path the program can reach\n";
             return false;
         }
-        *engine = *path;
+        folder.engine = *path;
     }
     if (request.appPath.empty())
         request.appPath = platform::FileHelper::FolderPart(platform::Sys().executablePath());
     return true;
 }
+
+// `folder` as typed, joined with `file` in the same path form.
+std::string Joined(std::string folder, const std::string& file) {
+    while (folder.size() > 1 && (folder.back() == '/' || folder.back() == '\\'))
+        folder.pop_back();
+    return folder + kSeparator + file;
+}
+
+// Where the definitions were looked for, in the user's terms.
+std::string DataFolderNamed(const ScanOptions& o, const HeadlessScanResult& result) {
+    if (!o.data.empty()) return "--data " + o.data;
+    std::string registered = result.dataFolder;
+    if (!registered.empty() && registered.back() == '\\') registered.pop_back();
+    return "the registry's DataPath " + registered;
+}
+
+// Why the scan did not start and what to do, naming the folders as the user gave them.
+std::string ProblemMessage(const ScanOptions& o, const HeadlessScanResult& result) {
+    const std::string data = DataFolderNamed(o, result);
+    const std::string dataHint = "; give the folder holding ovsdef.dat with --data DIR";
+    switch (result.problem) {
+        case ScanProblem::kNoDataPath:
+#ifdef _WIN32
+            return "no definition folder: give the folder holding ovsdef.dat with --data DIR, "
+                   "or set DataPath under HKEY_LOCAL_MACHINE\\" +
+                   std::string(config::kProductKey);
+#else
+            return "no definition folder: give the folder holding ovsdef.dat with --data DIR";
+#endif
+        case ScanProblem::kNoDataFolder:
+            return data + ": no such folder" + (o.data.empty() ? dataHint : "");
+        case ScanProblem::kNoDefinitions:
+            return data + ": no ovsdef.dat in this folder" +
+                   (o.data.empty() ? dataHint
+                                   : "; compile one with `orvex defs compile SOURCE " +
+                                         Joined(o.data, "ovsdef.dat") + "`");
+        case ScanProblem::kUnusableDefinitions:
+            return data +
+                   ": the definitions name fewer than two files under [Files], so the "
+                   "scan stays off";
+        case ScanProblem::kNoScanFolder:
+            return "--path " + o.path + ": no such folder";
+        case ScanProblem::kNoProgramFolder:
+            return o.appDir.empty() ? "the program's folder is missing"
+                                    : "--app-dir " + o.appDir + ": no such folder";
+        case ScanProblem::kNone:
+            break;
+    }
+    return "the scan did not start";
+}
+
+void PrintFindings(const HeadlessScanResult& result, bool json) {
+    if (json) {
+        std::cout << FindingsJson(result).dump(2, ' ', false,
+                                               nlohmann::json::error_handler_t::replace)
+                  << "\n";
+    } else {
+        std::cout << FindingsTable(result.findings);
+    }
+    std::cout.flush();
+}
+
+}  // namespace
 
 int Scan(const ScanOptions& o) {
     HeadlessScanRequest request;
@@ -76,51 +146,12 @@ int Scan(const ScanOptions& o) {
     if (terminal) request.progress = ShowProgress;
     const HeadlessScanResult result = RunHeadlessScan(request);
     if (terminal) std::cout << "\r" << std::string(60, ' ') << "\r" << std::flush;
-    if (result.exitCode == kExitError) {
-        std::cerr << "orvex: " << result.error << "\n";
+    if (result.problem != ScanProblem::kNone) {
+        std::cerr << "orvex: " << ProblemMessage(o, result) << "\n";
         return kExitError;
     }
-    if (o.json) {
-        std::cout << FindingsJson(result).dump(2, ' ', false,
-                                               nlohmann::json::error_handler_t::replace)
-                  << "\n";
-    } else {
-        std::cout << FindingsTable(result.findings);
-    }
-    std::cout.flush();
+    PrintFindings(result, o.json);
     return result.exitCode;
-}
-
-}  // namespace
-
-void AddScanCommand(CLI::App& app, int& exitCode) {
-    auto options = std::make_shared<ScanOptions>();
-    auto* scan = app.add_subcommand(
-        "scan",
-        "Run the whole scan (processes, registry, drives) without windows and print what it "
-        "found. Exit code 0: nothing found, 1: threats found, 2: error. Nothing is removed, "
-        "and questions the scan would ask are answered No. Logged.txt and Exclude.dat are "
-        "those of the program's folder: the folder of this executable unless --app-dir "
-        "names another.");
-    scan->add_option("--data", options->data,
-                     "definition folder (ovsdef.dat, ovsstatic.dat); default: the registry's "
-                     "DataPath, as the program reads it");
-    scan->add_option("--path", options->path, "walk only this folder, in place of the drives");
-    scan->add_option("--app-dir", options->appDir,
-                     "the program's folder: Logged.txt is written there, Exclude.dat and the "
-                     "language file are read there, and it is never scanned (default: the "
-                     "folder of this executable)");
-    scan->add_flag("--json", options->json,
-                   "print {\"findings\": [{name, category, level, location, item}], "
-                   "\"threats\": n, \"itemsScanned\": n}");
-    scan->callback([options, &exitCode] {
-        try {
-            exitCode = Scan(*options);
-        } catch (const Failure& f) {
-            std::cerr << "orvex: " << f.what() << " (failure " << f.number() << ")\n";
-            exitCode = kExitError;
-        }
-    });
 }
 
 }  // namespace orvex::cli

@@ -6,12 +6,9 @@
 
 namespace orvex::cli {
 
-void AddVersionCommand(CLI::App& app, int& exitCode) {
-    auto* version = app.add_subcommand("version", "Print the program's version");
-    version->callback([&exitCode] {
-        std::cout << "Orvex Sentry " << VersionText() << "\n";
-        exitCode = kExitClean;
-    });
+int PrintVersion() {
+    std::cout << "Orvex Sentry " << VersionText() << "\n";
+    return kExitClean;
 }
 
 }  // namespace orvex::cli

@@ -6,16 +6,16 @@
 #include <array>
 #include <chrono>
 #include <functional>
-#include <utility>
 
 #include "core/AppState.h"
 #include "core/Config.h"
 #include "definitions/DefinitionLoader.h"
-#include "definitions/DefinitionTables.h"
+#include "definitions/LoadReport.h"
 #include "pages/ScanPage.h"
 #include "platform/FileHelper.h"
 #include "platform/Platform.h"
 #include "platform/RegistryHelper.h"
+#include "scan/ScanProgress.h"
 #include "stores/AllowedItems.h"
 #include "ui/HeadlessHost.h"
 #include "ui/Language.h"
@@ -26,36 +26,36 @@ namespace {
 // The progress line is redrawn at most this often.
 constexpr std::chrono::milliseconds kProgressInterval{100};
 
-// The headless host that also shows progress as the scan yields.
-class ProgressHost : public ui::HeadlessHost {
+// The command line's view of a running scan: the terminal line, redrawn now and then.
+class TerminalProgress : public ScanProgress {
   public:
-    using Progress = std::function<void(std::string_view, std::int32_t)>;
-    explicit ProgressHost(Progress progress) : progress_(std::move(progress)) {}
+    using Show = std::function<void(std::string_view, std::int32_t)>;
+    explicit TerminalProgress(const Show& show) : show_(show) {}
 
-    void DoEvents() override {
-        HeadlessHost::DoEvents();
-        Tick();
-    }
-    std::int64_t DoEvents(std::int64_t count, const std::function<bool()>& stopped) override {
-        const std::int64_t done = HeadlessHost::DoEvents(count, stopped);
-        Tick();
-        return done;
-    }
-
-  private:
-    void Tick() {
-        // The clock is read only every so many yields: a load yields per line.
-        if (!progress_ || (ticks_++ % kTicksPerClockRead) != 0) return;
+    void ItemsScanned(const std::string& message, std::int32_t items) override {
+        (void)message;  // the language's text; the stage names the step without it
+        // The file walk reports every file: the clock is read only every so many reports.
+        if (!show_ || (reports_++ % kReportsPerClockRead) != 0) return;
         const auto now = std::chrono::steady_clock::now();
         if (now - shown_ < kProgressInterval) return;
         shown_ = now;
-        progress_(CurrentScanStage(), App().ItemsScanned);
+        show_(CurrentScanStage(), items);
     }
 
-    static constexpr std::uint32_t kTicksPerClockRead = 64;
-    Progress progress_;
-    std::uint32_t ticks_ = 0;
+  private:
+    static constexpr std::uint32_t kReportsPerClockRead = 64;
+    const Show& show_;
+    std::uint32_t reports_ = 0;
     std::chrono::steady_clock::time_point shown_{};
+};
+
+// Whether the definition load found ovsdef.dat and let the scan start.
+class LoadOutcome : public LoadReport {
+  public:
+    void DefinitionFileRead() override { found = true; }
+    void ScanAllowed() override { allowed = true; }
+    bool found = false;
+    bool allowed = false;
 };
 
 std::string WithoutClosingBackslash(std::string path) {
@@ -64,67 +64,102 @@ std::string WithoutClosingBackslash(std::string path) {
     return path;
 }
 
-// DataPath + "\", unconditionally, as start-up forms it.
-std::string RegistryDataFolder() {
+std::string RegistryDataPath() {
     platform::RegistryHelper registry;
     registry.RootKey(platform::Hive::LocalMachine);
     registry.KeyPath(config::kProductKey);
-    return registry.GetValue("DataPath") + "\\";
+    return registry.GetValue("DataPath");
 }
 
-void SetFolders(const HeadlessScanRequest& request) {
+// Sets the folders of the run; the problem of the first one that is missing.
+ScanProblem SetFolders(const HeadlessScanRequest& request) {
     AppState& app = App();
     app.AppPath = WithoutClosingBackslash(request.appPath);
     app.BackupFolder = app.AppPath + "\\Backup";
-    app.DataFolder = request.dataFolder.empty()
-                         ? RegistryDataFolder()
-                         : WithoutClosingBackslash(request.dataFolder) + "\\";
+    // DataPath + "\", unconditionally, as start-up forms it.
+    const std::string data = request.dataFolder.empty()
+                                 ? RegistryDataPath() + "\\"
+                                 : WithoutClosingBackslash(request.dataFolder) + "\\";
+    app.DataFolder = data;
     app.WindowsFolder = platform::Sys().windowsFolder();
     app.SystemFolder = platform::Sys().systemFolder();
+    platform::FileHelper files;
+    if (data == "\\") return ScanProblem::kNoDataPath;
+    if (!files.FolderExists(app.AppPath)) return ScanProblem::kNoProgramFolder;
+    if (!files.FolderExists(WithoutClosingBackslash(data))) return ScanProblem::kNoDataFolder;
+    const std::string folder = WithoutClosingBackslash(request.folder);
+    if (!folder.empty() && !files.FolderExists(folder)) return ScanProblem::kNoScanFolder;
+    return ScanProblem::kNone;
 }
 
-// Loads what the main window's actions load before a scan may start; false with a
-// reason when the definitions are not usable.
-bool LoadData(std::string& error) {
+// Loads what the main window's actions load before a scan may start.
+ScanProblem LoadData() {
     LoadLanguageAtStart();
     LoadExclusion();
-    const std::string definitions = App().DataFolder + "ovsdef.dat";
-    if (!platform::FileHelper().FileExists(definitions)) {
-        error = "no definition file " + definitions;
-        return false;
+    LoadOutcome outcome;
+    {
+        ScopedReport<LoadReport> reported(outcome);
+        LoadReferenceFiles();
     }
-    LoadReferenceFiles();
-    if (Definitions().FileDefs.Count < 2) {
-        error = "the definitions in " + App().DataFolder + " are not usable";
-        return false;
+    if (!outcome.found) return ScanProblem::kNoDefinitions;
+    if (!outcome.allowed) return ScanProblem::kUnusableDefinitions;
+    return ScanProblem::kNone;
+}
+
+// The problem in engine paths, for callers with no user to word it for.
+std::string ProblemText(ScanProblem problem, const HeadlessScanRequest& request) {
+    const std::string& data = App().DataFolder;
+    switch (problem) {
+        case ScanProblem::kNoDataPath:
+            return "no definition folder and no DataPath";
+        case ScanProblem::kNoDataFolder:
+            return "no folder " + data;
+        case ScanProblem::kNoDefinitions:
+            return "no ovsdef.dat in " + data;
+        case ScanProblem::kUnusableDefinitions:
+            return "the definitions in " + data + " are not usable";
+        case ScanProblem::kNoProgramFolder:
+            return "no folder " + App().AppPath;
+        case ScanProblem::kNoScanFolder:
+            return "no folder " + request.folder;
+        case ScanProblem::kNone:
+            break;
     }
-    return true;
+    return {};
+}
+
+HeadlessScanResult Refused(ScanProblem problem, const HeadlessScanRequest& request) {
+    HeadlessScanResult result;
+    result.exitCode = 2;
+    result.problem = problem;
+    result.error = ProblemText(problem, request);
+    result.dataFolder = App().DataFolder;
+    return result;
 }
 
 }  // namespace
 
 HeadlessScanResult RunHeadlessScan(const HeadlessScanRequest& request) {
-    HeadlessScanResult result;
-    ProgressHost host(request.progress);
+    ui::HeadlessHost host;
     ui::ScopedHost installed(host);
     host.DefaultAnswer(ui::msgbox::kNo);
-    SetFolders(request);
-    if (!LoadData(result.error)) {
-        result.exitCode = 2;
-        return result;
-    }
-    const std::string folder = WithoutClosingBackslash(request.folder);
-    if (!folder.empty() && !platform::FileHelper().FolderExists(folder)) {
-        result.error = "no folder " + request.folder;
-        result.exitCode = 2;
-        return result;
-    }
+    if (const ScanProblem problem = SetFolders(request); problem != ScanProblem::kNone)
+        return Refused(problem, request);
+    if (const ScanProblem problem = LoadData(); problem != ScanProblem::kNone)
+        return Refused(problem, request);
     // A new scan, as the rescan commands start one.
     App().StopRequested = VbFalse;
     FrmScan& page = frmscan();
+    const std::string folder = WithoutClosingBackslash(request.folder);
     if (!folder.empty()) page.Drive1.Items = {folder};
-    page.ScanItems();
+    TerminalProgress progress(request.progress);
+    {
+        ScopedReport<ScanProgress> reported(progress);
+        page.ScanItems();
+    }
 
+    HeadlessScanResult result;
+    result.dataFolder = App().DataFolder;
     for (const ScumRow& row : ScumListOfRun())
         result.findings.push_back(row);
     result.threats = App().ScumCount;

@@ -20,13 +20,28 @@ struct HeadlessScanRequest {
     std::string dataFolder;
     // When set, only this folder is walked, in place of the drives.
     std::string folder;
-    // Called now and then while the scan yields: the stage and the items scanned so far.
+    // Called at most every 100 ms while the scan counts items: the stage and the items
+    // scanned so far.
     std::function<void(std::string_view stage, std::int32_t items)> progress;
+};
+
+// What kept the scan from starting; the caller words it in the terms the user gave.
+enum class ScanProblem {
+    kNone,
+    kNoDataPath,           // no definition folder asked for and no DataPath in the registry
+    kNoDataFolder,         // the definition folder does not exist
+    kNoDefinitions,        // it holds no ovsdef.dat
+    kUnusableDefinitions,  // too few file names: the program keeps its scan off
+    kNoProgramFolder,
+    kNoScanFolder,
 };
 
 struct HeadlessScanResult {
     int exitCode = 0;  // 0 nothing found, 1 threats found, 2 error
-    std::string error;
+    ScanProblem problem = ScanProblem::kNone;
+    std::string error;  // the problem in engine paths
+    // The definition folder used, closed by a backslash: the registry's when none was asked.
+    std::string dataFolder;
     std::vector<ScumRow> findings;
     std::int32_t threats = 0;  // distinct threat names
     std::int32_t itemsScanned = 0;
