@@ -158,7 +158,7 @@ long MemoryRegistry::deleteTree(Hive hive, std::string_view path) {
     const auto index = HiveIndex(hive);
     const auto parts = Components(path);
     if (!index || !parts) return regstatus::kNotFound;
-    if (parts->empty()) return regstatus::kAccessDenied;  // a hive's root stays
+    if (parts->empty()) return regstatus::kInvalid;  // a hive's root stays
     Key* parent = roots_[*index].get();
     for (std::size_t i = 0; parent != nullptr && i + 1 < parts->size(); ++i)
         parent = parent->child((*parts)[i]);

@@ -61,6 +61,16 @@ Fd OpenLock(const std::string& path, bool create) {
     return fd;
 }
 
+// Whether the moment exists on the calendar; Windows formats nothing for one that doesn't.
+bool IsRealMoment(const LocalTime& t) {
+    static const int kDays[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    const bool leap = t.year % 4 == 0 && (t.year % 100 != 0 || t.year % 400 == 0);
+    if (t.month < 1 || t.month > 12 || t.day < 1 || t.day > kDays[t.month - 1]) return false;
+    if (t.month == 2 && t.day == 29 && !leap) return false;
+    return t.hour >= 0 && t.hour < 24 && t.minute >= 0 && t.minute < 60 && t.second >= 0 &&
+           t.second < 60;
+}
+
 bool TryLock(const Fd& fd) {
     return ::flock(fd.get(), LOCK_EX | LOCK_NB) == 0;
 }
@@ -72,12 +82,14 @@ LocalTime PosixSystem::now() {
 }
 
 std::string UsShortDate(const LocalTime& t) {
+    if (!IsRealMoment(t)) return "";
     char text[48];
     std::snprintf(text, sizeof text, "%d/%d/%04d", t.month, t.day, t.year);
     return text;
 }
 
 std::string UsLongTime(const LocalTime& t) {
+    if (!IsRealMoment(t)) return "";
     int hour12 = t.hour % 12 == 0 ? 12 : t.hour % 12;
     char text[48];
     std::snprintf(text, sizeof text, "%d:%02d:%02d %s", hour12, t.minute, t.second,
@@ -155,9 +167,11 @@ MutexHandle PosixSystem::keep(Fd lock, bool held) {
 
 // A mutex exists while some process holds the exclusive lock of its file; a creator that
 // gets the lock holds it, whether or not it asked for ownership, because an unlocked file
-// would not tell other processes that the mutex is there. flock locks belong to one open
-// file, so a second create in the same process sees the first one too, as on Windows.
-MutexResult PosixSystem::createMutex(std::string_view name, bool /*initialOwner*/) {
+// would not tell other processes that the mutex is there. An unnamed one has no file. flock locks
+// belong to one open file, so a second create in the same process sees the first one too, as on
+// Windows.
+MutexResult PosixSystem::createMutex(std::string_view name, bool initialOwner) {
+    if (name.empty()) return {keep(Fd(), initialOwner), false};  // unnamed: nobody shares it
     Fd lock = OpenLock(MutexLockPath(name), true);
     if (!lock) return {};
     bool held = TryLock(lock);

@@ -158,8 +158,9 @@ std::unique_ptr<FileStream> Win32Files::open(std::string_view path, OpenMode mod
     HANDLE handle = CreateFileA(file.c_str(), flags.access, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                 nullptr, flags.disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE) RaiseLastError();
-    auto stream = std::make_unique<Win32Stream>(handle, (flags.access & GENERIC_READ) != 0,
-                                                (flags.access & GENERIC_WRITE) != 0);
+    // Append opens for reading too, to learn the size, but its stream only writes.
+    const bool reads = (flags.access & GENERIC_READ) != 0 && mode != OpenMode::Append;
+    auto stream = std::make_unique<Win32Stream>(handle, reads, (flags.access & GENERIC_WRITE) != 0);
     if (mode == OpenMode::Append) stream->seek(stream->size());
     return stream;
 }
@@ -254,7 +255,10 @@ void Win32Files::remove(std::string_view path) {
 }
 
 void Win32Files::createFolder(std::string_view path) {
-    Check(CreateDirectoryA(PathZ(path).c_str(), nullptr), true);
+    if (CreateDirectoryA(PathZ(path).c_str(), nullptr)) return;
+    // An existing folder is in the way (75), as MkDir says, not a file to overwrite (58).
+    const DWORD error = GetLastError();
+    Raise(error == ERROR_ALREADY_EXISTS ? failure::kPathFileAccess : FailureFromWin32(error, true));
 }
 
 void Win32Files::replace(std::string_view from, std::string_view to) {

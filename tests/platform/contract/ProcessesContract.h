@@ -1,0 +1,95 @@
+// ProcessesContract.h: what every process back-end does as the PSAPI and Toolhelp calls do.
+// The maker gives processes(), selfImage() (this process's image path), child() (a harmless
+// program to start: path, arguments and the image path it lists under) and ended(pid) (waits
+// a while for a terminated child to be gone).
+#pragma once
+
+#include <algorithm>
+#include <cctype>
+#include <climits>
+#include <set>
+#include <string>
+
+#include "platform/Processes.h"
+#include "platform/contract/Contract.h"
+
+namespace orvex::testing {
+
+struct ChildProgram {
+    std::string path, arguments, image;
+};
+
+inline std::string Lower(std::string text) {
+    for (char& c : text)
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return text;
+}
+
+template <class Maker>
+class ProcessesContract : public ContractTest<Maker> {
+  protected:
+    std::set<std::uint32_t> running(const std::string& image) {
+        std::set<std::uint32_t> ids;
+        for (const auto& entry : api.listWithPaths())
+            if (Lower(entry.imagePath) == Lower(image)) ids.insert(entry.pid);
+        return ids;
+    }
+
+    platform::ProcessApi& api = this->maker.processes();
+};
+
+TYPED_TEST_SUITE_P(ProcessesContract);
+
+TYPED_TEST_P(ProcessesContract, TheVersionIsOfTheNtFamily) {
+    const auto version = this->api.osVersion();
+    ASSERT_TRUE(version.has_value());
+    EXPECT_EQ(version->platformId, 2u);
+    EXPECT_GE(version->major, 5u);
+}
+
+TYPED_TEST_P(ProcessesContract, BothListsHoldThisProcess) {
+    auto& api = this->api;
+    const auto list = api.listWithPaths();
+    std::set<std::uint32_t> ids;
+    for (const auto& entry : list)
+        ids.insert(entry.pid);
+    EXPECT_EQ(ids.size(), list.size());
+    EXPECT_TRUE(this->running(this->maker.selfImage()).count(api.currentProcessId()));
+    const std::string self = this->maker.selfImage();
+    const std::string base = Lower(self.substr(self.rfind('\\') + 1));
+    const auto names = api.listImageNames();
+    EXPECT_NE(std::find_if(
+                  names.begin(), names.end(),
+                  [&](const std::string& n) { return Lower(n.substr(n.rfind('\\') + 1)) == base; }),
+              names.end());
+    for (const std::string& name : names)
+        EXPECT_TRUE(!name.empty() && name.find('\0') == std::string::npos) << name;
+}
+
+TYPED_TEST_P(ProcessesContract, AStartedProgramIsListedAndEndedByTerminate) {
+    const ChildProgram child = this->maker.child();
+    const auto before = this->running(child.image);
+    ASSERT_TRUE(this->api.start(child.path, child.arguments, true));
+    std::set<std::uint32_t> started;
+    for (int wait = 0; wait < 200 && started.empty(); ++wait) {
+        for (std::uint32_t pid : this->running(child.image))
+            if (!before.count(pid)) started.insert(pid);
+        if (started.empty()) this->maker.pause(25);
+    }
+    ASSERT_EQ(started.size(), 1u);
+    EXPECT_TRUE(this->api.terminate(*started.begin()));
+    EXPECT_TRUE(this->maker.ended(*started.begin()));
+}
+
+TYPED_TEST_P(ProcessesContract, NothingToEndOrStartFails) {
+    for (std::uint32_t pid :
+         {0u, 0xFFFFFFF0u, UINT32_MAX, static_cast<std::uint32_t>(INT_MAX) + 1u})
+        EXPECT_FALSE(this->api.terminate(pid)) << pid;
+    EXPECT_FALSE(this->api.start("C:\\no such folder\\none.exe", "", true));
+    EXPECT_FALSE(this->api.start("Q:\\elsewhere.exe", "", true));
+}
+
+REGISTER_TYPED_TEST_SUITE_P(ProcessesContract, TheVersionIsOfTheNtFamily, BothListsHoldThisProcess,
+                            AStartedProgramIsListedAndEndedByTerminate, NothingToEndOrStartFails);
+
+}  // namespace orvex::testing

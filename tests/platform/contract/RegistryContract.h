@@ -1,0 +1,155 @@
+// RegistryContract.h: what every registry back-end does as advapi32 does, below a fresh key
+// of its maker (registry(), root() under HKEY_CURRENT_USER).
+#pragma once
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/Registry.h"
+#include "platform/contract/Contract.h"
+
+namespace orvex::testing {
+
+using platform::RegSubKey;
+using platform::RegValue;
+namespace regtype = platform::regtype;
+namespace regstatus = platform::regstatus;
+
+template <class Maker>
+class RegistryContract : public ContractTest<Maker> {
+  protected:
+    static constexpr platform::Hive kUser = platform::Hive::CurrentUser;
+
+    std::string at(std::string_view path) { return this->maker.root() + "\\" + std::string(path); }
+    RegValue read(std::string_view path, std::string_view name) {
+        RegValue value;
+        EXPECT_EQ(reg.readValue(kUser, at(path), name, value), regstatus::kOk) << name;
+        return value;
+    }
+    std::set<std::string> subKeys(std::string_view path) {
+        std::vector<RegSubKey> keys;
+        EXPECT_EQ(reg.listSubKeys(kUser, at(path), keys), regstatus::kOk);
+        std::set<std::string> names;
+        for (const RegSubKey& key : keys) {
+            names.insert(key.name);
+            EXPECT_FALSE(key.lastWrite.empty()) << key.name;
+        }
+        return names;
+    }
+
+    platform::RegistryBackend& reg = this->maker.registry();
+};
+
+TYPED_TEST_SUITE_P(RegistryContract);
+
+TYPED_TEST_P(RegistryContract, KeysAreMadeWithTheirParentsAndFoundWithoutRegardToCase) {
+    auto& reg = this->reg;
+    const auto kUser = this->kUser;
+    ASSERT_EQ(reg.createKey(kUser, this->at("Tree\\Alpha\\Deep")), regstatus::kOk);
+    ASSERT_EQ(reg.createKey(kUser, this->at("Tree\\Beta\\")), regstatus::kOk);
+    ASSERT_EQ(reg.createKey(kUser, this->at("tree\\ALPHA")), regstatus::kOk);  // exists already
+    EXPECT_TRUE(reg.keyExists(kUser, this->at("TREE\\alpha\\deep")));
+    EXPECT_TRUE(reg.keyExists(kUser, this->at("Tree\\Beta")));
+    EXPECT_EQ(this->subKeys("tree"), (std::set<std::string>{"Alpha", "Beta"}));
+    EXPECT_FALSE(reg.keyExists(platform::Hive::LocalMachine, this->at("Tree")));
+    EXPECT_FALSE(reg.keyExists(static_cast<platform::Hive>(0x12345678u), ""));
+}
+
+TYPED_TEST_P(RegistryContract, ValuesOfEveryTypeComeBackAsWritten) {
+    std::string big(300000, '\0');
+    for (std::size_t i = 0; i < big.size(); ++i)
+        big[i] = static_cast<char>(i * 7);
+    const std::vector<RegValue> written = {
+        {"Text", regtype::kSz, "C:\\Program Files\\x.exe"},
+        {"Empty", regtype::kSz, ""},
+        {"", regtype::kSz, "default value"},
+        {"Expand", regtype::kExpandSz, "%WINDIR%\\system32"},
+        {"Binary", regtype::kBinary, std::string("\x0c\x00\xff\x00", 4)},
+        {"Number", regtype::kDword, "\x78\x56\x34\x12"},
+        {"ShortDword", regtype::kDword, "\x01\x02"},
+        {"Quad", regtype::kQword, std::string("\x01\0\0\0\0\0\0\x80", 8)},
+        {"Multi", regtype::kMultiSz, std::string("a\0b\0\0", 5)},
+        {"Ansi", regtype::kSz, "caf\xe9 \xa9 \x80 \xff"},
+        {"Strange", 0x4711, "raw"},
+        {"Big", regtype::kBinary, big},
+        {"LongText", regtype::kSz, std::string(70000, 'q')},
+    };
+    for (const RegValue& value : written)
+        ASSERT_EQ(this->reg.writeValue(this->kUser, this->maker.root(), value), regstatus::kOk)
+            << value.name;
+    std::vector<RegValue> listed;
+    ASSERT_EQ(this->reg.listValues(this->kUser, this->maker.root(), listed), regstatus::kOk);
+    ASSERT_EQ(listed.size(), written.size());
+    for (const RegValue& value : written) {
+        const RegValue back = this->read("", value.name);
+        EXPECT_EQ(back.type, value.type) << value.name;
+        EXPECT_EQ(back.data, value.data) << value.name;
+        const auto inList = std::find_if(listed.begin(), listed.end(),
+                                         [&](const RegValue& v) { return v.name == value.name; });
+        ASSERT_NE(inList, listed.end()) << value.name;
+        EXPECT_EQ(inList->data, value.data) << value.name;
+    }
+}
+
+TYPED_TEST_P(RegistryContract, ValueNamesIgnoreCaseAndKeepTheirFirstSpelling) {
+    auto& reg = this->reg;
+    const std::string root = this->maker.root();
+    ASSERT_EQ(reg.writeValue(this->kUser, root, {"DataPath", regtype::kSz, "C:"}), regstatus::kOk);
+    ASSERT_EQ(reg.writeValue(this->kUser, root, {"DATAPATH", regtype::kSz, "D:"}), regstatus::kOk);
+    EXPECT_EQ(this->read("", "datapath").data, "D:");
+    std::vector<RegValue> listed;
+    reg.listValues(this->kUser, root, listed);
+    ASSERT_EQ(listed.size(), 1u);
+    EXPECT_EQ(listed[0].name, "DataPath");
+    EXPECT_EQ(reg.deleteValue(this->kUser, root, "DATApath"), regstatus::kOk);
+    RegValue gone;
+    EXPECT_EQ(reg.readValue(this->kUser, root, "DataPath", gone), regstatus::kNotFound);
+}
+
+TYPED_TEST_P(RegistryContract, DeleteTreeTakesEverythingBelowAndOnlyThat) {
+    auto& reg = this->reg;
+    const auto kUser = this->kUser;
+    ASSERT_EQ(reg.createKey(kUser, this->at("Doomed\\A\\B\\C")), regstatus::kOk);
+    ASSERT_EQ(reg.createKey(kUser, this->at("Sibling")), regstatus::kOk);
+    ASSERT_EQ(reg.writeValue(kUser, this->at("Doomed\\A\\B"), {"v", regtype::kSz, "x"}),
+              regstatus::kOk);
+    ASSERT_EQ(reg.writeValue(kUser, this->at("Doomed"), {"w", regtype::kSz, "y"}), regstatus::kOk);
+    EXPECT_EQ(reg.deleteTree(kUser, this->at("doomed")), regstatus::kOk);
+    EXPECT_FALSE(reg.keyExists(kUser, this->at("Doomed")));
+    EXPECT_EQ(this->subKeys(""), std::set<std::string>{"Sibling"});
+    EXPECT_EQ(reg.deleteTree(kUser, this->at("Doomed")), regstatus::kNotFound);
+    // The hive itself is never a tree to delete.
+    EXPECT_EQ(reg.deleteTree(kUser, ""), regstatus::kInvalid);
+    EXPECT_TRUE(reg.keyExists(kUser, this->maker.root()));
+}
+
+TYPED_TEST_P(RegistryContract, MissingKeysAndValuesReportNotFound) {
+    auto& reg = this->reg;
+    const auto kUser = this->kUser;
+    const std::string missing = this->at("Missing"), root = this->maker.root();
+    RegValue value;
+    std::vector<RegValue> values{{"stale", regtype::kSz, ""}};
+    std::vector<RegSubKey> keys{{"stale", ""}};
+    EXPECT_FALSE(reg.keyExists(kUser, missing));
+    EXPECT_EQ(reg.readValue(kUser, missing, "x", value), regstatus::kNotFound);
+    EXPECT_EQ(reg.listValues(kUser, missing, values), regstatus::kNotFound);
+    EXPECT_EQ(reg.listSubKeys(kUser, missing, keys), regstatus::kNotFound);
+    EXPECT_TRUE(values.empty() && keys.empty());
+    EXPECT_EQ(reg.deleteValue(kUser, missing, "x"), regstatus::kNotFound);
+    // Writing does not create the key.
+    EXPECT_EQ(reg.writeValue(kUser, missing, {"x", regtype::kSz, "y"}), regstatus::kNotFound);
+    EXPECT_FALSE(reg.keyExists(kUser, missing));
+    EXPECT_EQ(reg.readValue(kUser, root, "absent", value), regstatus::kNotFound);
+    EXPECT_EQ(reg.deleteValue(kUser, root, "absent"), regstatus::kNotFound);
+}
+
+REGISTER_TYPED_TEST_SUITE_P(RegistryContract,
+                            KeysAreMadeWithTheirParentsAndFoundWithoutRegardToCase,
+                            ValuesOfEveryTypeComeBackAsWritten,
+                            ValueNamesIgnoreCaseAndKeepTheirFirstSpelling,
+                            DeleteTreeTakesEverythingBelowAndOnlyThat,
+                            MissingKeysAndValuesReportNotFound);
+
+}  // namespace orvex::testing

@@ -1,0 +1,162 @@
+// SystemContract.h: what every system back-end does as kernel32, user32 and the profile
+// calls do. The maker gives system(), a files() with a scratch folder(), setEnv(name, value or
+// nullopt), pause(ms), mutexName(stem) (a name of this run only), executable() and usLocale().
+#pragma once
+
+#include <cctype>
+#include <optional>
+#include <string>
+
+#include "platform/System.h"
+#include "platform/contract/FilesContract.h"
+
+namespace orvex::testing {
+
+template <class Maker>
+class SystemContract : public ContractTest<Maker> {
+  protected:
+    bool startsWithNoCase(const std::string& text, const std::string& head) {
+        std::string lowered = text, start = head;
+        for (std::string* s : {&lowered, &start})
+            for (char& c : *s)
+                c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        return lowered.rfind(start, 0) == 0;
+    }
+
+    platform::System& sys = this->maker.system();
+};
+
+TYPED_TEST_SUITE_P(SystemContract);
+
+TYPED_TEST_P(SystemContract, ANamedMutexIsOwnedOnceAndSeenUntilItsLastHandleCloses) {
+    auto& sys = this->sys;
+    const std::string name = this->maker.mutexName("OrvexContract");
+    EXPECT_EQ(sys.openMutex(name), 0u);
+    const auto first = sys.createMutex(name, true);
+    ASSERT_NE(first.handle, 0u);
+    EXPECT_FALSE(first.alreadyExisted);
+    const auto second = sys.createMutex(name, true);  // the ownership asked for is ignored
+    ASSERT_NE(second.handle, 0u);
+    EXPECT_TRUE(second.alreadyExisted);
+    const auto opened = sys.openMutex(name);
+    EXPECT_NE(opened, 0u);
+    EXPECT_TRUE(sys.releaseMutex(first.handle));
+    EXPECT_FALSE(sys.releaseMutex(first.handle));
+    EXPECT_FALSE(sys.releaseMutex(second.handle));
+    EXPECT_FALSE(sys.releaseMutex(0));
+    const auto stillThere = sys.openMutex(name);  // released, but handles are still open
+    EXPECT_NE(stillThere, 0u);
+    for (auto handle : {stillThere, opened, second.handle, first.handle})
+        sys.closeHandle(handle);
+    EXPECT_EQ(sys.openMutex(name), 0u);
+}
+
+TYPED_TEST_P(SystemContract, MutexNamesAreCaseSensitiveAndUnnamedOnesAreNeverShared) {
+    auto& sys = this->sys;
+    const std::string name = this->maker.mutexName("OrvexCase");
+    const auto mixed = sys.createMutex(name, true);
+    std::string upper = name;
+    for (char& c : upper)
+        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    const auto other = sys.createMutex(upper, false);
+    EXPECT_FALSE(other.alreadyExisted);
+    const auto unnamed = sys.createMutex("", true), again = sys.createMutex("", true);
+    EXPECT_FALSE(unnamed.alreadyExisted || again.alreadyExisted);
+    EXPECT_NE(unnamed.handle, again.handle);
+    for (auto handle : {mixed.handle, other.handle, unnamed.handle, again.handle})
+        sys.closeHandle(handle);
+}
+
+TYPED_TEST_P(SystemContract, DatesAndTimesInTheUsFormsAndNothingForImpossibleDays) {
+    auto& sys = this->sys;
+    const auto now = sys.now();
+    EXPECT_GE(now.year, 2020);
+    EXPECT_TRUE(now.month >= 1 && now.month <= 12 && now.day >= 1 && now.day <= 31);
+    EXPECT_EQ(sys.shortDateText({2026, 13, 1, 0, 0, 0}), "");
+    EXPECT_EQ(sys.longTimeText({2026, 2, 30, 0, 0, 0}), "");
+    if (!this->maker.usLocale()) GTEST_SKIP() << "the exact texts are those of an en-US user";
+    const std::pair<platform::LocalTime, std::string> cases[] = {
+        {{2026, 11, 22, 19, 14, 5}, "11/22/2026 7:14:05 PM"},
+        {{2027, 1, 5, 0, 3, 9}, "1/5/2027 12:03:09 AM"},
+        {{2027, 1, 5, 12, 0, 0}, "1/5/2027 12:00:00 PM"},
+        {{2027, 1, 5, 11, 59, 59}, "1/5/2027 11:59:59 AM"},
+        {{1899, 12, 30, 0, 0, 0}, "12/30/1899 12:00:00 AM"},
+    };
+    for (const auto& [moment, text] : cases)
+        EXPECT_EQ(sys.shortDateText(moment) + " " + sys.longTimeText(moment), text);
+}
+
+TYPED_TEST_P(SystemContract, TheTickCountAdvancesInMilliseconds) {
+    const std::uint32_t before = this->sys.tickCount();
+    this->maker.pause(100);
+    const std::uint32_t elapsed = this->sys.tickCount() - before;  // wraps like GetTickCount
+    EXPECT_GE(elapsed, 80u);
+    EXPECT_LT(elapsed, 5000u);
+}
+
+TYPED_TEST_P(SystemContract, IdentityAndFolders) {
+    auto& sys = this->sys;
+    for (const auto& name : {sys.computerName(), sys.userName()}) {
+        ASSERT_TRUE(name.has_value());
+        EXPECT_FALSE(name->empty());
+        EXPECT_EQ(name->find('\0'), std::string::npos);
+    }
+    EXPECT_TRUE(this->startsWithNoCase(sys.windowsFolder(), "C:\\Windows"));
+    EXPECT_TRUE(this->startsWithNoCase(sys.systemFolder(), sys.windowsFolder() + "\\System32"));
+    EXPECT_EQ(sys.executablePath(), this->maker.executable());
+}
+
+TYPED_TEST_P(SystemContract, EnvironmentTellsEmptyFromMissing) {
+    auto& sys = this->sys;
+    const std::string longValue(5000, 'v');
+    this->maker.setEnv("ORVEX_TEST_EMPTY", "");
+    this->maker.setEnv("ORVEX_TEST_LONG", longValue);
+    EXPECT_EQ(sys.environment("ORVEX_TEST_EMPTY"), std::optional<std::string>(""));
+    EXPECT_TRUE(sys.environment("ORVEX_TEST_LONG") == longValue);
+    this->maker.setEnv("ORVEX_TEST_LONG", std::nullopt);
+    this->maker.setEnv("ORVEX_TEST_EMPTY", std::nullopt);
+    EXPECT_EQ(sys.environment("ORVEX_TEST_LONG"), std::nullopt);
+    EXPECT_EQ(sys.environment(""), std::nullopt);
+}
+
+TYPED_TEST_P(SystemContract, EnvironmentNamesIgnoreCase) {
+    this->maker.setEnv("ORVEX_TEST_CASE", "x");
+    EXPECT_EQ(this->sys.environment("orvex_Test_case"), "x");
+    this->maker.setEnv("ORVEX_TEST_CASE", std::nullopt);
+}
+
+TYPED_TEST_P(SystemContract, ProfileStringsAreWrittenToTheFileAndCutToTheCapacity) {
+    auto& sys = this->sys;
+    const std::string ini = this->maker.folder() + "\\LangSetting.ini";
+    EXPECT_EQ(sys.readProfileString("Language", "File", "English.lng", 260, ini), "English.lng");
+    ASSERT_TRUE(sys.writeProfileString("Language", "File", "Deutsch.lng", ini));
+    ASSERT_TRUE(sys.writeProfileString("Other", "Key", "1", ini));
+    EXPECT_EQ(ReadAll(this->maker.files(), ini),
+              "[Language]\r\nFile=Deutsch.lng\r\n[Other]\r\nKey=1\r\n");
+    EXPECT_EQ(sys.readProfileString("language", "FILE", "", 260, ini), "Deutsch.lng");
+    EXPECT_EQ(sys.readProfileString("Language", "File", "none", 5, ini), "Deut");
+    EXPECT_EQ(sys.readProfileString("Language", "File", "none", 0, ini), "");
+    EXPECT_EQ(sys.readProfileString("Language", "Other", "none", 255, ini), "none");
+    EXPECT_FALSE(
+        sys.writeProfileString("Language", "File", "x", this->maker.folder() + "\\no\\a.ini"));
+}
+
+TYPED_TEST_P(SystemContract, ScreenShellAndWindowsAnswerSensibly) {
+    auto& sys = this->sys;
+    EXPECT_GT(sys.screenWidthPixels(), 0);
+    EXPECT_GT(sys.screenHeightPixels(), 0);
+    EXPECT_GE(sys.screenDpiY(), 96);
+    EXPECT_FALSE(sys.screenReaderActive());
+    EXPECT_FALSE(sys.shellExecute("Open", "C:\\no such folder\\help.chm", "", 1));
+    EXPECT_FALSE(sys.postClose(0x7FFF0001u));
+}
+
+REGISTER_TYPED_TEST_SUITE_P(SystemContract, ANamedMutexIsOwnedOnceAndSeenUntilItsLastHandleCloses,
+                            MutexNamesAreCaseSensitiveAndUnnamedOnesAreNeverShared,
+                            DatesAndTimesInTheUsFormsAndNothingForImpossibleDays,
+                            TheTickCountAdvancesInMilliseconds, IdentityAndFolders,
+                            EnvironmentTellsEmptyFromMissing, EnvironmentNamesIgnoreCase,
+                            ProfileStringsAreWrittenToTheFileAndCutToTheCapacity,
+                            ScreenShellAndWindowsAnswerSensibly);
+
+}  // namespace orvex::testing
