@@ -1,6 +1,8 @@
 // ProcessState.cpp: every process-wide store, reset in one place.
 #include "app/ProcessState.h"
 
+#include <string>
+
 #include "core/AppState.h"
 #include "core/Rnd.h"
 #include "definitions/DefinitionTables.h"
@@ -20,7 +22,9 @@ void ResetProcessState() {
     ui::ResetHost();
     platform::UninstallPlatform();
     App() = AppState{};
-    LngArray() = LanguageTable{};
+    // Emptied in place: a fresh table would build and drop a temporary of 1301 strings.
+    for (std::string& text : LngArray())
+        text.clear();
     CurrentLanguage().clear();
     ProcessGenerator() = Generator{};
     Definitions() = DefinitionTables{};

@@ -2,6 +2,7 @@
 #include "core/TextFile.h"
 
 #include <cstring>
+#include <utility>
 
 #include "platform/Failure.h"
 #include "platform/Platform.h"
@@ -42,6 +43,7 @@ TextFile::TextFile(TextFile&& other) noexcept
     : stream_(std::move(other.stream_)),
       mode_(other.mode_),
       buffer_(std::move(other.buffer_)),
+      bufferEnd_(std::exchange(other.bufferEnd_, 0)),
       bufferPos_(other.bufferPos_),
       pending_(std::move(other.pending_)) {}
 
@@ -51,6 +53,7 @@ TextFile& TextFile::operator=(TextFile&& other) noexcept {
         stream_ = std::move(other.stream_);
         mode_ = other.mode_;
         buffer_ = std::move(other.buffer_);
+        bufferEnd_ = std::exchange(other.bufferEnd_, 0);
         bufferPos_ = other.bufferPos_;
         pending_ = std::move(other.pending_);
     }
@@ -78,22 +81,22 @@ void TextFile::Close() {
     if (stream_ == nullptr) return;  // closing a closed file is harmless, as classically
     auto closing = std::move(stream_);
     std::string pending = std::move(pending_);
-    buffer_.clear();
+    bufferEnd_ = 0;
     bufferPos_ = 0;
     if (!pending.empty()) closing->write(pending.data(), pending.size());
 }
 
 bool TextFile::fill() {
     flushWrites();
-    buffer_.resize(kReadChunk);
-    const std::size_t got = stream().read(buffer_.data(), buffer_.size());
-    buffer_.resize(got);
+    // Sized once: resizing per read would zero 64 KB each time, even at the end of the file.
+    if (buffer_.size() < kReadChunk) buffer_.resize(kReadChunk);
+    bufferEnd_ = stream().read(buffer_.data(), kReadChunk);
     bufferPos_ = 0;
-    return got > 0;
+    return bufferEnd_ > 0;
 }
 
 int TextFile::peek() {
-    if (bufferPos_ == buffer_.size() && !fill()) return -1;
+    if (bufferPos_ == bufferEnd_ && !fill()) return -1;
     return static_cast<unsigned char>(buffer_[bufferPos_]);
 }
 
@@ -121,13 +124,13 @@ void TextFile::skipLineEnd() {
 std::string TextFile::LineInput() {
     requireReadable();
     std::string line;
-    while (bufferPos_ < buffer_.size() || fill()) {
+    while (bufferPos_ < bufferEnd_ || fill()) {
         const char* start = buffer_.data() + bufferPos_;
-        const std::size_t available = buffer_.size() - bufferPos_;
+        const std::size_t available = bufferEnd_ - bufferPos_;
         const void* cr = std::memchr(start, '\r', available);
         if (cr == nullptr) {
             line.append(start, available);
-            bufferPos_ = buffer_.size();
+            bufferPos_ = bufferEnd_;
             continue;
         }
         const auto length = static_cast<std::size_t>(static_cast<const char*>(cr) - start);
@@ -170,11 +173,11 @@ std::string TextFile::Input() {
 }
 
 void TextFile::dropReadAhead() {
-    if (bufferPos_ < buffer_.size()) {
-        const std::uint64_t unread = buffer_.size() - bufferPos_;
+    if (bufferPos_ < bufferEnd_) {
+        const std::uint64_t unread = bufferEnd_ - bufferPos_;
         stream_->seek(stream_->position() - unread);
     }
-    buffer_.clear();
+    bufferEnd_ = 0;
     bufferPos_ = 0;
 }
 
@@ -202,7 +205,7 @@ void TextFile::Seek(std::uint64_t position) {
     stream();
     if (position < 1) Raise(kBadRecordNumber);
     flushWrites();
-    buffer_.clear();
+    bufferEnd_ = 0;
     bufferPos_ = 0;
     stream_->seek(position - 1);
 }

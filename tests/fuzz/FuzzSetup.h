@@ -1,11 +1,13 @@
-// FuzzSetup.h: the memory machine every fuzz target runs on, installed once per process,
-// and the program folder the readers look in.
+// FuzzSetup.h: every input starts from a reset process on a fresh memory machine, so that
+// nothing one input loads or logs is there for the next.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
+#include "app/ProcessState.h"
 #include "core/AppState.h"
 #include "platform/memory/MemoryPlatform.h"
 
@@ -13,21 +15,26 @@ namespace orvex::fuzz {
 
 inline const std::string kFolder = "C:\\Orvex";
 
-// Installed on first use and kept, so each input pays only for its own files.
-inline platform::memory::MemoryPlatform& Machine() {
-    static platform::memory::MemoryPlatform machine;
-    static platform::ScopedPlatform installed{machine.view()};
-    return machine;
+struct Machine {
+    platform::memory::MemoryPlatform platform;
+    platform::ScopedPlatform installed{platform.view()};
+};
+
+// Resets the process, installs a new machine with the program folder, which doubles as the
+// data folder where the error log lands, and returns the machine's files.
+inline platform::memory::MemoryFileSystem& FreshInput() {
+    static std::optional<Machine> machine;
+    ResetProcessState();
+    machine.reset();
+    machine.emplace();
+    machine->platform.files.addFolder(kFolder);
+    App().AppPath = kFolder;
+    App().DataFolder = kFolder + "\\";
+    return machine->platform.files;
 }
 
 inline std::string Bytes(const std::uint8_t* data, std::size_t size) {
     return {reinterpret_cast<const char*>(data), size};
-}
-
-// The program folder doubles as the data folder, where the error log lands.
-inline void UseProgramFolder() {
-    App().AppPath = kFolder;
-    App().DataFolder = kFolder + "\\";
 }
 
 }  // namespace orvex::fuzz

@@ -17,8 +17,7 @@ class Holder : public orvex::ui::Form {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace orvex::fuzz;
-    UseProgramFolder();  // the error log of short lines lands here
-    Machine().files.addFile(kFolder + "\\Backup.Dat", Bytes(data, size));
+    FreshInput().addFile(kFolder + "\\Backup.Dat", Bytes(data, size));
 
     orvex::LoadBackupDat();
     Holder& holder = orvex::ui::TheForm<Holder>();

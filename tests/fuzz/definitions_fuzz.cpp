@@ -13,8 +13,6 @@
 
 #include "FuzzSetup.h"
 #include "definitions/DefinitionLoader.h"
-#include "definitions/DefinitionTables.h"
-#include "ui/Form.h"
 
 namespace {
 
@@ -39,14 +37,11 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace orvex::fuzz;
-    Machine().files.addFile(kFolder + "\\ovsdef.dat", Bytes(data, size));
-    UseProgramFolder();
+    FreshInput().addFile(kFolder + "\\ovsdef.dat", Bytes(data, size));
     orvex::App().SystemFolder = "C:\\WINDOWS\\system32";
     orvex::App().WindowsFolder = "C:\\WINDOWS";
     g_limit = 16 * size + 64 * 1024;
     orvex::LoadReferenceFiles();
     g_limit = 0;
-    orvex::Definitions() = orvex::DefinitionTables{};
-    orvex::ui::ResetForms();
     return 0;
 }

@@ -3,14 +3,10 @@
 #include "FuzzSetup.h"
 #include "pages/ExcludePage.h"
 #include "stores/AllowedItems.h"
-#include "ui/Form.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace orvex::fuzz;
-    UseProgramFolder();
-    Machine().files.addFile(kFolder + "\\Exclude.dat", Bytes(data, size));
-
-    orvex::ui::ResetForms();
+    FreshInput().addFile(kFolder + "\\Exclude.dat", Bytes(data, size));
     orvex::FrmExclude& form = orvex::frmexclude();  // LoadExclusion, DisplayExclusions, LoadData
     // Take every other threat off the list, which rewrites the store and reads it back.
     for (std::size_t i = 0; i < form.lvE1.ListItems.size(); i += 2)

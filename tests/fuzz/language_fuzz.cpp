@@ -10,11 +10,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // A leading 'L' puts the file past the profile limit, so the line scan runs too.
     if (!bytes.empty() && bytes[0] == 'L')
         bytes = ";" + std::string(orvex::kProfileFileLimit, 'p') + "\r\n" + bytes;
-    Machine().files.addFile(file, bytes);
-
-    orvex::App().AppPath = kFolder;
+    FreshInput().addFile(file, bytes);
     orvex::CurrentLanguage() = "Fuzz";
-    orvex::LngArray() = orvex::LanguageTable{};
     orvex::LoadLanguageAtStart();
     orvex::ReadLanguageValue(file, "Strings", "1");
     orvex::ReadLanguageValue(file, "frmmain", "frmmain.Caption");
