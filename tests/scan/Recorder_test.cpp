@@ -39,23 +39,19 @@ class RecorderTest : public testing::ScanTest {
 // ---------------------------------------------------------------------------------------
 // Duplicates, List1 and ScumCount
 
-TEST_F(RecorderTest, SameFindingTwiceIsOneRowWhateverTheCaseOfNameAndItem) {
+// Name and item compare without case, the first spelling stays and the later level wins;
+// level, location and category must agree exactly.
+TEST_F(RecorderTest, DuplicatesIgnoreTheCaseOfNameAndItemOnly) {
     Add("Evil Agent", "evil.exe");
     Add("EVIL AGENT", "EVIL.EXE");
     Add("evil agent", "Evil.Exe", "FileSystem", "C:\\Temp\\", kLevelConfirmed);
-    ASSERT_EQ(Rows().count(), 1);
+    Add("Evil Agent", "evil.exe", "FileSystem", "C:\\TEMP\\");
+    Add("Evil Agent", "evil.exe", "FileSystem", "C:\\Temp\\", kLevelSuspect);
+    Add("Evil Agent", "evil.exe", "Memory Resident", "C:\\Temp\\");
+    ASSERT_EQ(Rows().count(), 4);
     EXPECT_EQ(Rows().row(1).name, "Evil Agent");
     EXPECT_EQ(Rows().row(1).level, "Confirmed");
-    EXPECT_EQ(App().ScumCount, 1);
-}
-
-TEST_F(RecorderTest, LevelLocationAndCategoryMustAgreeExactly) {
-    Add("Evil", "evil.exe", "FileSystem", "C:\\Temp\\");
-    Add("Evil", "evil.exe", "FileSystem", "C:\\TEMP\\");
-    Add("Evil", "evil.exe", "FileSystem", "C:\\Temp\\", kLevelSuspect);
-    Add("Evil", "evil.exe", "Memory Resident", "C:\\Temp\\");
-    EXPECT_EQ(Rows().count(), 4);
-    EXPECT_EQ(List1(), std::vector<std::string>{"Evil"});
+    EXPECT_EQ(List1(), std::vector<std::string>{"Evil Agent"});
     EXPECT_EQ(App().ScumCount, 1);
 }
 
@@ -132,13 +128,11 @@ TEST_F(RecorderTest, RowsAreNumberedFromOneAndStayConsistentAfterRemoval) {
 // Icons
 
 TEST_F(RecorderTest, IconFollowsTheFirstItemListLineOfTheName) {
-    ItemList({"Zero|0|a", "Two|2", "Three|3|ab", "Five|5", "Blank||c", "Bare", "Twice|4", "TWICE|1",
-              "|5"});
+    ItemList({"Two|2", "Three|3|ab", "Five|5", "Bare", "Twice|4", "TWICE|1", "|5"});
     const struct {
         std::string name;
         int icon;
-    } cases[] = {{"Unlisted", 1}, {"Zero", 1}, {"two", 1},   {"THREE", 2}, {"Five", 3},
-                 {"Blank", 1},    {"Bare", 1}, {"twice", 3}, {"", 3}};
+    } cases[] = {{"Unlisted", 1}, {"two", 1}, {"THREE", 2}, {"Bare", 1}, {"twice", 3}, {"", 3}};
     for (const auto& c : cases) {
         ScumListOfRun().clear();
         Add(c.name);
