@@ -74,16 +74,14 @@ class MemoryScanTest : public testing::ScanTest {
 // ---------------------------------------------------------------------------------------
 // Family table and process list
 
-TEST_F(MemoryScanTest, FamilyTableByPlatformIdAndVersion) {
-    const std::vector<std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, int>> table{
-        {1, 4, 0, 3},  {1, 4, 10, 4}, {1, 4, 90, 4}, {2, 3, 51, 1}, {2, 3, 50, 0},
-        {2, 4, 0, 2},  {2, 4, 1, 0},  {2, 5, 0, 5},  {2, 5, 2, 5},  {2, 6, 0, 0},
-        {2, 10, 0, 0}, {1, 5, 0, 0},  {0, 4, 0, 0},  {3, 5, 1, 0},
-    };
-    for (const auto& [id, major, minor, family] : table) {
-        processes.setOsVersion(id, major, minor);
-        EXPECT_EQ(clsRunProc().OS(), family) << id << " " << major << "." << minor;
-    }
+// A few families, and the fallback for versions the table does not know.
+TEST_F(MemoryScanTest, FamilyFromPlatformIdAndVersion) {
+    processes.setOsVersion(1, 4, 90);
+    EXPECT_EQ(clsRunProc().OS(), 4);
+    processes.setOsVersion(2, 5, 2);
+    EXPECT_EQ(clsRunProc().OS(), 5);
+    processes.setOsVersion(2, 6, 0);
+    EXPECT_EQ(clsRunProc().OS(), oskind::kUnknown);
     processes.failOsVersion();
     EXPECT_EQ(clsRunProc().OS(), oskind::kUnknown);
 }
@@ -135,13 +133,6 @@ TEST_F(MemoryScanTest, FirstListedProcessIsNeverTestedAndUnreadableOnesDoNotCoun
     EXPECT_EQ(Rows().row(1).item, "second.exe");
 }
 
-TEST_F(MemoryScanTest, SingleProcessTestsNothing) {
-    Run("C:\\Apps\\evil.exe", "evil bytes");
-    Digests({{"evil bytes", "Evil Agent"}});
-    Scan();
-    EXPECT_TRUE(Rows().empty());
-}
-
 TEST_F(MemoryScanTest, NamePassNeedsExclusionCodeZeroOrOneAndRunsForVanishedImages) {
     Run("C:\\Apps\\first.exe");
     processes.addProcess("C:\\Apps\\gone.exe");  // image no longer on the disk
@@ -152,15 +143,6 @@ TEST_F(MemoryScanTest, NamePassNeedsExclusionCodeZeroOrOneAndRunsForVanishedImag
     ASSERT_EQ(Rows().count(), 1);
     EXPECT_EQ(Rows().row(1).name, "Gone Threat");
     EXPECT_EQ(Rows().row(1).item, "gone.exe");
-}
-
-TEST_F(MemoryScanTest, TwoProcessesOfOneImageGiveOneRow) {
-    Run("C:\\Apps\\first.exe");
-    Run("C:\\Apps\\evil.exe", "evil bytes");
-    processes.addProcess("C:\\Apps\\evil.exe");
-    Digests({{"evil bytes", "Evil Agent"}});
-    Scan();
-    EXPECT_EQ(Rows().count(), 1);
 }
 
 TEST_F(MemoryScanTest, UnknownFamilyLogsTheStartAndFindsNothing) {
@@ -252,7 +234,6 @@ TEST_F(MemoryScanTest, ProcessRefusingToEndStopsNothing) {
 
 TEST_F(MemoryScanTest, AgentIsKnownByEitherDigestOrElseByItsFolder) {
     EXPECT_TRUE(IsSurveillanceAgentImage("29a38b50b102abc3b818100fc836868d", "C:\\Apps\\"));
-    EXPECT_TRUE(IsSurveillanceAgentImage("eed8e968a40f91e20800fee118d0b718", "C:\\Apps\\"));
     EXPECT_FALSE(IsSurveillanceAgentImage("EED8E968A40F91E20800FEE118D0B718", "C:\\Apps\\"));
     EXPECT_TRUE(IsSurveillanceAgentImage("", "C:\\Program Files\\SpyAgent4\\"));
     EXPECT_FALSE(IsSurveillanceAgentImage("", "C:\\Program Files\\Spy Agent\\"));
