@@ -55,13 +55,9 @@ TEST_F(AllowedItemsTest, LinesBecomeRecordsWithTheKindSecond) {
                   "Spy^C:\\x\\^a.exe^FileSystem\r\n"
                   "Ad^HKEY_LOCAL_MACHINE\\Software\\Ad^Run|ad.exe^Registry(Value)\r\n");
     LoadExclusion();
-    ASSERT_EQ(ExclusionRecords().Count(), 2);
-    EXPECT_EQ(ExclusionRecords()[1].ThreatName, "Spy");
-    EXPECT_EQ(ExclusionRecords()[1].ItemKind, "FileSystem");
-    EXPECT_EQ(ExclusionRecords()[2].ItemName, "Run|ad.exe");
-    EXPECT_EQ(ExclusionRecords()[2].ItemLocation, "HKEY_LOCAL_MACHINE\\Software\\Ad");
-    EXPECT_THROW(ExclusionRecords()[0], Failure);
-    EXPECT_THROW(ExclusionRecords()[3], Failure);
+    EXPECT_EQ(Records(), (std::vector<Rec>{{"Spy", "FileSystem", "C:\\x\\", "a.exe"},
+                                           {"Ad", "Registry(Value)",
+                                            "HKEY_LOCAL_MACHINE\\Software\\Ad", "Run|ad.exe"}}));
 }
 
 TEST_F(AllowedItemsTest, WriteExclusionsRoundTripsAndReloads) {
