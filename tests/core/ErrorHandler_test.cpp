@@ -62,7 +62,6 @@ TEST_F(ErrorLogTest, EntryWithoutLineNumber) {
     EXPECT_EQ(
         ErrorHandler(91, "Object variable or With block variable not set", 0, "frmmain", "actions"),
         ExitProject);
-    EXPECT_EQ(ErrorOutcome, ExitProject);
     EXPECT_EQ(Log(),
               "Error [ 91 ]:  Object variable or With block variable not set\r\n"
               "Location:  Procedure ( actions ) - Module ( frmmain )" +
@@ -87,14 +86,6 @@ TEST_F(ErrorLogTest, EntryOverwritesTheStartAndLeavesAnOlderTail) {
         "Location:  Procedure ( ScanItems ) - Module ( frmscan )" +
         kTwentyBlanks + "Outcome: Resume Next\r\n" + Tail();
     EXPECT_EQ(Log(), entry + older.substr(entry.size()));
-
-    // A second, shorter entry leaves one readable entry at the head.
-    ErrorHandler(6, "Overflow", 0, "m", "p");
-    const std::string second =
-        "Error [ 6 ]:  Overflow\r\nLocation:  Procedure ( p ) - Module ( m )" + kTwentyBlanks +
-        "Outcome: Resume Next\r\n" + Tail();
-    EXPECT_EQ(Log().substr(0, second.size()), second);
-    EXPECT_EQ(Log().size(), older.size());
 }
 
 TEST_F(ErrorLogTest, MissingIdentityTexts) {
@@ -171,14 +162,12 @@ TEST_F(ProcedureTest, ResumeRetriesWithOneEntryPerAttemptAndIsBounded) {
 TEST_F(ProcedureTest, ResumeSucceedsOnALaterAttempt) {
     Procedure proc("Module1", "Main");
     int attempts = 0;
-    bool completed = false;
     proc.Run([&] {
-        completed = proc.Step([&] {
+        EXPECT_TRUE(proc.Step([&] {
             if (++attempts < 3) Raise(failure::kPathNotFound);
-        });
+        }));
     });
     EXPECT_EQ(attempts, 3);
-    EXPECT_TRUE(completed);
 }
 
 TEST_F(ProcedureTest, ResumeNextAndExitProjectContinue) {
