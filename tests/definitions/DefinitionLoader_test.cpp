@@ -105,7 +105,6 @@ TEST_F(DefinitionLoaderTest, MissingStaticFileIsNoErrorAndTheScanComesOn) {
     Defs(std::string("Ver=11/15/2026\n") + kTwoFiles);
     LoadReferenceFiles();
     EXPECT_TRUE(host.Messages().empty());
-    EXPECT_EQ(Value("StaticDAT"), "");
     EXPECT_EQ(Value("DAT"), "11/15/2026");
     EXPECT_EQ(Value("InstalledVer"), VersionText() + "|11/15/2026|");
     EXPECT_EQ(MainWindow(),
@@ -142,15 +141,19 @@ TEST_F(DefinitionLoaderTest, EachSectionFillsItsTableInFileOrder) {
         "Ver=1.0.3\n[Descriptions]\nA|Adware\n[End]\n[Registry]\nFirst|HKEY_USERS|Key\n[End]\n"
         "[DoNotUnRegister]\nstatic|0\n[End]\n");
     Defs(
-        "[Add\\Remove]\nT1|Uninstall One\n[End]\n[Startup]\nT2|run.exe\n[End]\n"
+        "[Add\\Remove]\nT1|Uninstall One\n[End]\n[Startup]\nT2|systemdir\n[End]\n"
         "[CLSID]\nT3|{0000}\n[End]\n[ItemList]\nT4|3|AB\nT5\n[End]\n"
         "[Registry]\nT6|HKEY_CURRENT_USER|Software\\T6|value "
         "text\nT7|HKEY_LOCAL_MACHINE|Software\\T7\n"
         "[End]\n[DoNotUnRegister]\nabc|0\nno separator\n[End]\n[Descriptions]\nB|Cookies\n[End]\n"
+        "[Exclusion]\nk.exe|||SystemDir|3|1\nd.exe|||WINDOWSDIR\\x|3|1\n[End]\n"
         "[Unknown]\nignored|line\n[End]\noutside|any section\n");
     LoadReferenceFiles();
     EXPECT_EQ(t.AddRemoveDefs.Items, (Lines{"T1|Uninstall One", ""}));
-    EXPECT_EQ(t.StartupDefs.Items, (Lines{"T2|run.exe", ""}));
+    // Exclusion placeholders are replaced without regard to case, and only there.
+    EXPECT_EQ(t.StartupDefs.Items, (Lines{"T2|systemdir", ""}));
+    EXPECT_EQ(Filled(t.ExclusionDefs),
+              (Lines{"k.exe|||C:\\WINDOWS\\system32|3|1", "d.exe|||C:\\WINDOWS\\x|3|1"}));
     EXPECT_EQ(t.ClsidDefs.Items, (Lines{"T3|{0000}", ""}));
     EXPECT_EQ(t.ItemListDefs.Items, (Lines{"T4|3|AB", "T5", ""}));
     EXPECT_EQ(t.ItemListDefs.Count, 2);
@@ -186,16 +189,6 @@ TEST_F(DefinitionLoaderTest, Md5LinesNeedASeparatorAndFilesLinesWithoutOneStay) 
     EXPECT_EQ(t.FileIndex[3].FileName, "b.exe");
     // The column swap of the line without "|" fails as a subscript and goes on.
     EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
-}
-
-TEST_F(DefinitionLoaderTest, ExclusionPlaceholdersAreReplacedWithoutRegardToCase) {
-    Defs(
-        "[Exclusion]\nk.exe|||SystemDir|3|1\nd.exe|||WINDOWSDIR\\x|3|1\n[End]\n"
-        "[Startup]\nT|systemdir\n[End]\n");
-    LoadReferenceFiles();
-    EXPECT_EQ(Filled(t.ExclusionDefs),
-              (Lines{"k.exe|||C:\\WINDOWS\\system32|3|1", "d.exe|||C:\\WINDOWS\\x|3|1"}));
-    EXPECT_EQ(t.StartupDefs[0], "T|systemdir");
 }
 
 // --- Sorting and the indexes ---------------------------------------------------------------
