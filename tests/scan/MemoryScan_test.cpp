@@ -35,17 +35,14 @@ class MemoryScanTest : public testing::ScanTest {
     }
     // File names and their threats, each with an [Exclusion] line giving `code`.
     static void Names(std::vector<std::tuple<std::string, std::string, int>> entries) {
-        auto& index = Definitions().FileIndex;
-        index.Items.assign(1, FileRecord{});
+        testing::ThreatPairs names;
         TextTable& exclusions = Definitions().ExclusionDefs;
         for (const auto& [file, threat, code] : entries) {
-            index.Items.push_back(FileRecord{threat, file});
+            names.emplace_back(file, threat);
             AppendLine(exclusions, file + "||||" + std::to_string(code) + "|0");
         }
-        std::sort(index.Items.begin() + 1, index.Items.end(),
-                  [](const FileRecord& a, const FileRecord& b) { return a.FileName < b.FileName; });
+        testing::PlantNames(names);
         std::sort(exclusions.Items.begin(), exclusions.Items.end());
-        Definitions().FileDefs.Count = static_cast<std::int32_t>(entries.size());
     }
 
     static void Scan() {
