@@ -120,17 +120,6 @@ TEST_F(LanguageTest, ValueReadSwitchesToTheLineScanAt64001Bytes) {
     EXPECT_EQ(ReadLanguageValue(file, "frmmain", "missing"), "");
 }
 
-TEST_F(LanguageTest, ValueReadOfSmallFiles) {
-    const std::string file = kFolder + "Small.lng";
-    const std::string longText(600, 'v');
-    files.addFile(file, "[frmmain]\r\nfrmmain.Tag=" + longText + "\r\n");
-    EXPECT_EQ(ReadLanguageValue(file, "frmmain", "frmmain.Tag"), longText.substr(0, 511));
-    EXPECT_EQ(ReadLanguageValue(kFolder + "None.lng", "frmmain", "frmmain.Tag"), "");
-
-    WriteLanguageValue("Language", "CurrentLanguage", "Italiano", file);
-    EXPECT_EQ(ReadLanguageValue(file, "Language", "CurrentLanguage"), "Italiano");
-}
-
 TEST_F(LanguageTest, EnglishFileKeepsTheKeyPiecesAndTellsCategoriesApart) {
     const std::string english = ReadSourceFile("lang/English.lng");
     ASSERT_FALSE(english.empty());
