@@ -130,13 +130,5 @@ TEST_F(TextFileTest, OpenFailuresCarryTheFileSystemsNumbers) {
     EXPECT_EQ(FailureOf([] { ReadAllBytes("C:\\missing.txt"); }), 53);
 }
 
-TEST_F(TextFileTest, ReadAllBytesKeepsEveryByte) {
-    std::string bytes;
-    for (int c = 0; c < 256; ++c)
-        bytes += static_cast<char>(c);
-    files.addFile("C:\\all.bin", bytes);
-    EXPECT_EQ(ReadAllBytes("C:\\all.bin"), bytes);
-}
-
 }  // namespace
 }  // namespace orvex
