@@ -62,14 +62,10 @@ TEST_F(FileScanTest, Md5FileOfAFileItCannotReadSaysFileNotFound) {
     }
 }
 
-TEST_F(FileScanTest, ADigestHitDecidesAloneAndIsConfirmed) {
+// A digest hit decides alone (both.exe is also listed by name) and is confirmed.
+TEST_F(FileScanTest, OnlyListedExtensionsAreHashedAndADigestHitDecidesAlone) {
     files.addFile("C:\\t\\both.exe", kBadBytes);
     EXPECT_EQ(Judge("both.exe", "C:\\t\\"), VbTrue);
-    EXPECT_EQ(Findings(),
-              std::vector<std::string>{"HashThreat|FileSystem|Confirmed|C:\\t\\|both.exe"});
-}
-
-TEST_F(FileScanTest, OnlyListedExtensionsAreHashed) {
     files.addFile("C:\\t\\x.txt", kBadBytes);
     files.addFile("C:\\t\\x.kwd", kBadBytes);
     files.addFile("C:\\t\\named.txt", kBadBytes);
@@ -77,9 +73,10 @@ TEST_F(FileScanTest, OnlyListedExtensionsAreHashed) {
     EXPECT_EQ(Judge("x.kwd", "C:\\t\\"), VbTrue);
     // Not hashed, but its name still counts.
     EXPECT_EQ(Judge("named.txt", "C:\\t\\"), VbTrue);
-    ASSERT_EQ(Rows().size(), 2u);
-    EXPECT_EQ(Rows()[0].item, "x.kwd");
-    EXPECT_EQ(Rows()[1].name, "TextThreat");
+    ASSERT_EQ(Rows().size(), 3u);
+    EXPECT_EQ(Findings()[0], "HashThreat|FileSystem|Confirmed|C:\\t\\|both.exe");
+    EXPECT_EQ(Rows()[1].item, "x.kwd");
+    EXPECT_EQ(Rows()[2].name, "TextThreat");
 }
 
 TEST_F(FileScanTest, TheResultCodesDecideWhatANameHitIs) {
