@@ -171,43 +171,40 @@ TEST_F(RecorderTest, CaptionShowsTheCountUnlessAStopWasRequested) {
 // ---------------------------------------------------------------------------------------
 // ExclusionRoutine
 
-TEST_F(RecorderTest, ExclusionNameNotInTableGives4AndEmptyTestsGiveCodeOnName) {
-    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "Evil"), 4);
-    Exclusions({"evil.exe||||7|0", "short.exe|||3|0"});
-    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "Evil"), 7);
-    // Fewer than six fields: the line is not read at all.
-    EXPECT_EQ(ExclusionRoutine("short.exe", "C:\\Temp\\", "Evil"), 4);
-}
-
-TEST_F(RecorderTest, ExclusionComparesFieldZeroInLowerCaseButTheFirstCharacterAsItIs) {
-    Exclusions({"eVIL.EXE||||3|0", "Other.exe||||3|0"});
-    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "x"), 3);
-    // 'O' sorts before 'o', so the walk passes the line by its first character.
-    EXPECT_EQ(ExclusionRoutine("other.exe", "C:\\Temp\\", "x"), 4);
-}
-
-TEST_F(RecorderTest, ExclusionThreatDecidesAndAMismatchEndsTheWalk) {
-    Exclusions({"evil.exe|alpha|||3|0", "evil.exe|zulu|||2|1"});
-    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "ALPHA"), 0);
-    // The alpha line comes first and ends the walk: the zulu line is never reached.
-    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "Zulu"), 3);
-}
-
-TEST_F(RecorderTest, ExclusionFolderPartOverridesTheSizeTestAndEndsTheWalkOnMiss) {
-    Exclusions({"evil.exe||>5000|\\TEMP\\|3|0", "evil.exe||||9|1"});
-    files.addFile("C:\\Temp\\evil.exe", "tiny");
-    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "x"), 0);
-    // Not in the folder: the walk ends with the first line's code.
-    files.addFile("C:\\Other\\evil.exe", "tiny");
-    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Other\\", "x"), 3);
-}
-
-TEST_F(RecorderTest, ExclusionFailedSizeTestGoesOnToTheNextLine) {
-    Exclusions({"evil.exe||10||5|1", "evil.exe||4||6|2"});
-    files.addFile("C:\\Temp\\evil.exe", "four");
-    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "x"), 2);
-    files.addFile("C:\\Temp\\evil.exe", "seven..");
-    EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "x"), 6);
+// One sorted table for many names: lines of other names are passed over, so each name
+// meets only its own lines.
+TEST_F(RecorderTest, ExclusionLinesDecideByNameThreatFolderAndSize) {
+    Exclusions({"code.exe||||7|0", "short.exe|||3|0", "cASE.EXE||||3|0", "Other.exe||||3|0",
+                "thr.exe|alpha|||3|0", "thr.exe|zulu|||2|1", "fold.exe||>5000|\\TEMP\\|3|0",
+                "fold.exe||||9|1", "size.exe||10||5|1", "size.exe||4||6|2", "a.exe||||bad|0",
+                "b.exe||0|||bad", "b.exe||||3|bad", "x.exe|x|||3|bad"});
+    files.addFile("C:\\Temp\\fold.exe", "tiny");
+    files.addFile("C:\\Other\\fold.exe", "tiny");
+    files.addFile("C:\\Temp\\size.exe", "four");
+    const struct {
+        std::string name, folder, threat;
+        std::int32_t code;
+    } cases[] = {
+        {"none.exe", "C:\\Temp\\", "x", 4},   // not in the table
+        {"code.exe", "C:\\Temp\\", "x", 7},   // no tests: the code on name
+        {"short.exe", "C:\\Temp\\", "x", 4},  // fewer than six fields: not read at all
+        {"case.exe", "C:\\Temp\\", "x", 3},   // field zero compares in lower case...
+        {"other.exe", "C:\\Temp\\", "x", 4},  // ...but 'O' sorts before 'o' and is passed
+        {"thr.exe", "C:\\Temp\\", "ALPHA", 0},
+        {"thr.exe", "C:\\Temp\\", "Zulu", 3},  // the alpha line ends the walk first
+        {"fold.exe", "C:\\Temp\\", "x", 0},    // the folder part overrides the size test
+        {"fold.exe", "C:\\Other\\", "x", 3},   // and a miss ends the walk
+        {"size.exe", "C:\\Temp\\", "x", 2},    // a failed size test goes on to the next line
+        // A conversion failure keeps the result so far.
+        {"a.exe", "C:\\", "x", 4},
+        {"b.exe", "C:\\", "x", 4},
+        {"x.exe", "C:\\", "x", 3},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(ExclusionRoutine(c.name, c.folder, c.threat), c.code)
+            << c.name << " " << c.folder;
+    files.addFile("C:\\Temp\\size.exe", "seven..");
+    EXPECT_EQ(ExclusionRoutine("size.exe", "C:\\Temp\\", "x"), 6);
 }
 
 TEST_F(RecorderTest, ExclusionStopsOnceTheFirstCharacterHasPassed) {
@@ -264,17 +261,6 @@ TEST_F(RecorderTest, ExclusionMissOnAPrefixedPieceBreaksTheNextPiece) {
     // A listed size does not help either: the hit on "<1000" is undone by the final test.
     files.addFile("C:\\Temp\\evil.exe", std::string(5, 'x'));
     EXPECT_EQ(ExclusionRoutine("evil.exe", "C:\\Temp\\", "x"), 3);
-}
-
-TEST_F(RecorderTest, ExclusionConversionFailureKeepsTheResultSoFar) {
-    Exclusions({"a.exe||||bad|0", "b.exe||||3|bad"});
-    EXPECT_EQ(ExclusionRoutine("a.exe", "C:\\", "x"), 4);
-    Definitions() = DefinitionTables{};
-    Exclusions({"b.exe||0|||bad", "b.exe||||3|bad"});
-    EXPECT_EQ(ExclusionRoutine("b.exe", "C:\\", "x"), 4);
-    Definitions() = DefinitionTables{};
-    Exclusions({"b.exe|x|||3|bad"});
-    EXPECT_EQ(ExclusionRoutine("b.exe", "C:\\", "x"), 3);
 }
 
 }  // namespace
