@@ -110,14 +110,22 @@ TEST_F(MemoryScanTest, NineXListGivesSnapshotNamesWithoutIds) {
 // ---------------------------------------------------------------------------------------
 // Scan mode
 
-TEST_F(MemoryScanTest, DigestHitIsAConfirmedRowAndDecidesBeforeTheName) {
+// A digest hit is confirmed and decides before the name; the name pass needs an exclusion
+// code of 0 or 1 and runs for images gone from the disk too.
+TEST_F(MemoryScanTest, DigestThenNameWithItsExclusionCode) {
     Run("C:\\Apps\\first.exe", "evil bytes");
     Run("C:\\Apps\\Evil.EXE", "evil bytes");
+    processes.addProcess("C:\\Apps\\gone.exe");
+    Run("C:\\Apps\\suspect.exe");
+    Run("C:\\Apps\\unknown.exe");
     Digests({{"evil bytes", "Evil Agent"}});
-    Names({{"evil.exe", "Name Threat", 0}});
+    Names({{"evil.exe", "Name Threat", 0},
+           {"gone.exe", "Gone Threat", 1},
+           {"suspect.exe", "Suspect Threat", 2}});
     Scan();
-    EXPECT_EQ(Findings(),
-              std::vector<std::string>{"Evil Agent|Memory Resident|Confirmed|C:\\Apps\\|evil.exe"});
+    EXPECT_EQ(Findings(), (std::vector<std::string>{
+                              "Evil Agent|Memory Resident|Confirmed|C:\\Apps\\|evil.exe",
+                              "Gone Threat|Memory Resident|Confirmed|C:\\Apps\\|gone.exe"}));
 }
 
 TEST_F(MemoryScanTest, FirstListedProcessIsNeverTestedAndUnreadableOnesDoNotCount) {
@@ -128,18 +136,6 @@ TEST_F(MemoryScanTest, FirstListedProcessIsNeverTestedAndUnreadableOnesDoNotCoun
     Scan();
     ASSERT_EQ(Rows().count(), 1);
     EXPECT_EQ(Rows().row(1).item, "second.exe");
-}
-
-TEST_F(MemoryScanTest, NamePassNeedsExclusionCodeZeroOrOneAndRunsForVanishedImages) {
-    Run("C:\\Apps\\first.exe");
-    processes.addProcess("C:\\Apps\\gone.exe");  // image no longer on the disk
-    Run("C:\\Apps\\suspect.exe");
-    Run("C:\\Apps\\unknown.exe");
-    Names({{"gone.exe", "Gone Threat", 1}, {"suspect.exe", "Suspect Threat", 2}});
-    Scan();
-    ASSERT_EQ(Rows().count(), 1);
-    EXPECT_EQ(Rows().row(1).name, "Gone Threat");
-    EXPECT_EQ(Rows().row(1).item, "gone.exe");
 }
 
 TEST_F(MemoryScanTest, UnknownFamilyLogsTheStartAndFindsNothing) {
