@@ -107,38 +107,30 @@ TEST_F(ComScanTest, ModuleUsageMissingKeyIsNoFailure) {
     EXPECT_FALSE(files.exists(kErrorLog));
 }
 
-TEST_F(ComScanTest, ModuleUsageEntryWhoseFileHasGoneIsFoundByNameUnderEachThreat) {
+// An entry whose file has gone is found by name under each threat; a digest hit wins over
+// the name; names above ASCII are lower-cased as ANSI.
+TEST_F(ComScanTest, ModuleUsageEntriesByDigestOrByName) {
     ModuleEntry("c:/windows/system/BAD.dll");
     ModuleEntry("c:/windows/system/good.dll");
-    testing::PlantNames({{"bad.dll", "One"}, {"bad.dll", "Two"}, {"other.dll", "Three"}});
-    EnumerateSpecialKeys();
-    ASSERT_EQ(ScumListOfRun().count(), 2);
-    for (const ScumRow& row : ScumListOfRun()) {
-        EXPECT_EQ(row.location, kModuleUsageLocation);
-        EXPECT_EQ(row.item, "c:/windows/system/BAD.dll");
-        EXPECT_EQ(row.category, "Registry(Key)");
-    }
-    EXPECT_EQ(ScumListOfRun().row(1).name, "One");
-    EXPECT_EQ(ScumListOfRun().row(2).name, "Two");
-}
-
-TEST_F(ComScanTest, ModuleUsageDigestHitWinsOverTheName) {
-    files.addFile("C:\\Win\\bad.dll", "payload");
-    ModuleEntry("C:/Win/bad.dll");
+    files.addFile("C:\\Win\\hashed.dll", "payload");
+    ModuleEntry("C:/Win/hashed.dll");
+    ModuleEntry("c:/x/\xC9VIL.dll");
     testing::PlantDigests(
         {{platform::Md5Hex("payload"), "ByHash"}, {"00000000000000000000000000000000", "Z"}});
-    testing::PlantNames({{"bad.dll", "ByName"}});
+    testing::PlantNames({{"bad.dll", "One"},
+                         {"bad.dll", "Two"},
+                         {"other.dll", "Three"},
+                         {"hashed.dll", "ByName"},
+                         {"\xE9vil.dll", "Accent"}});
     EnumerateSpecialKeys();
-    ASSERT_EQ(ScumListOfRun().count(), 1);
-    EXPECT_EQ(ScumListOfRun().row(1).name, "ByHash");
-}
-
-TEST_F(ComScanTest, ModuleUsageNamesAboveAsciiAreLowerCasedAsAnsi) {
-    ModuleEntry("c:/x/\xC9VIL.dll");
-    testing::PlantNames({{"\xE9vil.dll", "Accent"}});
-    EnumerateSpecialKeys();
-    ASSERT_EQ(ScumListOfRun().count(), 1);
-    EXPECT_EQ(ScumListOfRun().row(1).name, "Accent");
+    std::vector<std::string> rows;
+    for (const ScumRow& row : ScumListOfRun()) {
+        EXPECT_EQ(row.location + "|" + row.category, kModuleUsageLocation + "|Registry(Key)");
+        rows.push_back(row.name + "|" + row.item);
+    }
+    EXPECT_EQ(rows, (std::vector<std::string>{
+                        "One|c:/windows/system/BAD.dll", "Two|c:/windows/system/BAD.dll",
+                        "ByHash|C:/Win/hashed.dll", "Accent|c:/x/\xC9VIL.dll"}));
 }
 
 TEST_F(ComScanTest, ModuleUsageStopInTheDigestWalkEndsEverything) {
