@@ -215,12 +215,15 @@ TEST_F(DefinitionLoaderTest, FilesAndHashesAreSortedAndIndexed) {
     EXPECT_EQ(t.Md5Defs.Count, 0);
 }
 
-TEST_F(DefinitionLoaderTest, ReloadReplacesTablesAndDateButKeepsTheFirstStaticVersion) {
-    Static("Ver=old static\n");
+// Within a file the last definition version and the first static version win; a reload
+// replaces tables and date but keeps the static version of the first load.
+TEST_F(DefinitionLoaderTest, VersionsAndReload) {
+    Static("Ver=old static\nVer=static two\n");
     Defs(
-        "Ver=old "
-        "date\n[Files]\nA|a.exe\nB|b.exe\nC|c.exe\nD|d.exe\n[End]\n[Startup]\nS|s\n[End]\n");
+        "Ver=first\n[Files]\nA|a.exe\nB|b.exe\nC|c.exe\n[End]\n[Startup]\nS|s\n[End]\n"
+        "Ver=old date=ignored\n");
     LoadReferenceFiles();
+    EXPECT_EQ(Value("InstalledVer"), VersionText() + "|old date|old static");
     Static("Ver=new static\n");
     Defs("Ver=new date\n[Files]\nX|x.exe\nY|y.exe\n[End]\n");
     LoadReferenceFiles();
@@ -263,15 +266,6 @@ TEST(QuickSortMe, SortsDeepInputsWithoutExhaustingTheStack) {
 }
 
 // --- Versions --------------------------------------------------------------------------
-
-TEST_F(DefinitionLoaderTest, LastDefinitionVersionAndFirstStaticVersionWin) {
-    Static("Ver=static one\nVer=static two\n");
-    Defs("Ver=first\n[Startup]\nVersion|v.exe\n[End]\nVer=last=ignored\n");
-    LoadReferenceFiles();
-    EXPECT_EQ(App().StaticDefinitionVer, "static one");
-    EXPECT_EQ(App().DefinitionDate, "last");
-    EXPECT_EQ(Value("InstalledVer"), VersionText() + "|last|static one");
-}
 
 // A data line starting with "Ver" is filed and read as a version too; without "=" the
 // read fails, is logged, and the load goes on.
