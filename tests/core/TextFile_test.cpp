@@ -83,15 +83,6 @@ TEST_F(TextFileTest, ReadingPastTheEndIsFailure62) {
     EXPECT_EQ(FailureOf([&] { file.Input(); }), 62);
 }
 
-TEST_F(TextFileTest, AppendCreatesAndAddsAtTheEnd) {
-    for (const char* line : {"first", "second"}) {
-        TextFile file = TextFile::ForAppend("C:\\log.txt");
-        file.Print(line);
-        file.Close();
-    }
-    EXPECT_EQ(files.contents("C:\\log.txt"), "first\r\nsecond\r\n");
-}
-
 TEST_F(TextFileTest, SeekToTheStartInAppendModeOverwritesAndKeepsTheRest) {
     files.addFile("C:\\ovs.ph", "a long older entry\r\n");
     TextFile file = TextFile::ForAppend("C:\\ovs.ph");
@@ -110,18 +101,6 @@ TEST_F(TextFileTest, BinaryWritesAfterReadsLandAtTheReadPosition) {
     EXPECT_EQ(file.Lof(), 10u);
     file.Close();
     EXPECT_EQ(files.contents("C:\\b.dat"), "abc\r\nXYZ\r\n");
-}
-
-TEST_F(TextFileTest, WrongModeAndClosedFileFail) {
-    files.addFile("C:\\in.txt", "x");
-    TextFile input = TextFile::ForInput("C:\\in.txt");
-    EXPECT_EQ(FailureOf([&] { input.Print("no"); }), 54);
-    TextFile output = TextFile::ForOutput("C:\\out.txt");
-    EXPECT_EQ(FailureOf([&] { output.LineInput(); }), 54);
-    EXPECT_EQ(FailureOf([&] { output.Seek(0); }), 63);
-    output.Close();
-    output.Close();  // closing twice is harmless
-    EXPECT_EQ(FailureOf([&] { output.Print("late"); }), 52);
 }
 
 TEST_F(TextFileTest, OpenFailuresCarryTheFileSystemsNumbers) {
