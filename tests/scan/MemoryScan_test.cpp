@@ -99,14 +99,6 @@ TEST_F(MemoryScanTest, NtListGivesIdAndTrimmedPathAndLeavesOutUnreadableProcesse
     EXPECT_TRUE(clsRunProc().RunningProcs().empty());
 }
 
-TEST_F(MemoryScanTest, NineXListGivesSnapshotNamesWithoutIds) {
-    processes.setOsVersion(1, 4, 10);
-    processes.addProcess("C:\\WINDOWS\\KERNEL32.DLL", "C:\\WINDOWS\\KERNEL32.DLL");
-    processes.addProcess("C:\\APPS\\A.EXE", "C:\\APPS\\A.EXE");
-    EXPECT_EQ(clsRunProc().RunningProcs(),
-              (std::vector<std::string>{"C:\\WINDOWS\\KERNEL32.DLL", "C:\\APPS\\A.EXE"}));
-}
-
 // ---------------------------------------------------------------------------------------
 // Scan mode
 
