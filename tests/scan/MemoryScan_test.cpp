@@ -45,14 +45,7 @@ class MemoryScanTest : public testing::ScanTest {
         std::sort(exclusions.Items.begin(), exclusions.Items.end());
     }
 
-    static void Scan() {
-        VbBool killMode = VbFalse;
-        ScanMemory(killMode);
-    }
-    static void Kill() {
-        VbBool killMode = VbTrue;
-        ScanMemory(killMode);
-    }
+    static void Scan(VbBool killMode = VbFalse) { ScanMemory(killMode); }
     static void Check(const std::string& threat, const std::string& item,
                       const std::string& folder = "C:\\Apps\\") {
         ScumListDetailsAdd(threat, kMemory, folder, item, "");
@@ -165,7 +158,7 @@ TEST_F(MemoryScanTest, KillModeEndsTheProcessesOfCheckedMemoryRowsById) {
     const auto onDisk = Run("C:\\Apps\\disk.exe");  // a checked row of another stage
     ScumListDetailsAdd("Disk", "FileSystem", "C:\\Apps\\", "disk.exe", "");
     ScumListOfRun().setChecked(ScumListOfRun().count(), true);
-    Kill();
+    Scan(VbTrue);
     EXPECT_TRUE(processes.running(first));  // the first entry is never ended
     EXPECT_FALSE(processes.running(evil));
     EXPECT_TRUE(processes.running(kept));
@@ -182,7 +175,7 @@ TEST_F(MemoryScanTest, KillModeOnNineXEndsEveryProcessWhosePathEndsInTheName) {
     const auto myApp = run9x("C:\\OTHER\\MYAPP.EXE");
     const auto clean = run9x("C:\\APPS\\CLEAN.EXE");
     Check("App", "app.exe");
-    Kill();
+    Scan(VbTrue);
     EXPECT_TRUE(processes.running(first));
     EXPECT_FALSE(processes.running(app));
     EXPECT_FALSE(processes.running(myApp));
@@ -209,7 +202,7 @@ TEST_F(MemoryScanTest, ProcessRefusingToEndStopsNothing) {
     processes.protect(guarded);
     Check("Evil", "evil.exe");
     Check("Bad", "bad.exe");
-    Kill();
+    Scan(VbTrue);
     EXPECT_TRUE(processes.running(guarded));
     EXPECT_FALSE(processes.running(second));
 }
