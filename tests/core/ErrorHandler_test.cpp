@@ -12,14 +12,11 @@ using enum Outcome;
 const std::string kLog = "C:\\Data\\ovs.ph";
 const std::string kTwentyBlanks(20, ' ');
 
-std::string Version() {
-    return ErrorLogVersionText(ORVEX_VERSION_MAJOR, ORVEX_VERSION_MINOR, ORVEX_VERSION_REVISION);
-}
-
 // The lines under the outcome, as the default memory machine gives them.
 std::string Tail(const std::string& computer = "ORVEXTEST", const std::string& user = "Tester") {
     return "Date-Time: 11/22/26 19:14:05     Workstation: " + computer + "     User: " + user +
-           "\r\n\r\nVersion: " + Version() +
+           "\r\n\r\nVersion: " +
+           ErrorLogVersionText(ORVEX_VERSION_MAJOR, ORVEX_VERSION_MINOR, ORVEX_VERSION_REVISION) +
            ", Definition Date: 11/01/2026\r\n\r\n---------------------------------------\r\n";
 }
 
