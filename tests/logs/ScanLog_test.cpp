@@ -69,14 +69,12 @@ class ScanLogTest : public testing::LogTest {
     }
 };
 
-struct WordCase {
-    const char* action;
-    std::string expected;
-};
-
 TEST_F(ScanLogTest, EachActionWordWritesItsRecordUnderTheLogKey) {
     const std::string at = kLocation + ": " + kItem;
-    const WordCase cases[] = {
+    const struct {
+        const char* action;
+        std::string expected;
+    } cases[] = {
         {"Command", Opening() + "Scan started by command: " + kName + Closing()},
         {"Scheduled", Opening() + "Scheduled scan started." + Closing()},
         {"Start R", Opening() + "Registry scan started." + Closing()},
@@ -97,7 +95,7 @@ TEST_F(ScanLogTest, EachActionWordWritesItsRecordUnderTheLogKey) {
         {"LSP", Opening() + "Winsock provider: " + kLocation + " : " + kItem +
                     "\r\nThreat name: " + kName + Closing()},
     };
-    for (const WordCase& c : cases) {
+    for (const auto& c : cases) {
         files.addFile(kLoggedTxt, "");
         AddRows(1);  // "delete" takes a row away
         EXPECT_EQ(Write(c.action, VbTrue, 1), VbTrue) << c.action;
