@@ -24,12 +24,6 @@ class RegistryScanTest : public testing::ScanTest {
             AppendLine(Definitions().RegistryDefs, line);
     }
     static const ScumList& Rows() { return ScumListOfRun(); }
-    static std::vector<std::string> Locations() {
-        std::vector<std::string> out;
-        for (const ScumRow& row : Rows())
-            out.push_back(row.location + " :: " + row.item + " :: " + row.name);
-        return out;
-    }
 };
 
 // ---------------------------------------------------------------------------------------
@@ -108,10 +102,10 @@ TEST_F(RegistryScanTest, TableWalkPassesOverTheFirstLineAndCountsFields) {
         "Three|HKEY_LOCAL_MACHINE|Software\\missing",
     });
     ScumRegistry();
-    EXPECT_EQ(Locations(), (std::vector<std::string>{
-                               "HKEY_LOCAL_MACHINE\\Software\\ :: x :: Five",
-                               "HKEY_CURRENT_USER\\Software\\v|name :: EVIL :: Four",
-                           }));
+    EXPECT_EQ(Findings(),
+              (std::vector<std::string>{
+                  "Five|Registry(Key)|Confirmed|HKEY_LOCAL_MACHINE\\Software\\|x",
+                  "Four|Registry(Value)|Confirmed|HKEY_CURRENT_USER\\Software\\v|name|EVIL"}));
 }
 
 TEST_F(RegistryScanTest, StageStartsAfreshAndCountsEveryLineAfterTheFirst) {
