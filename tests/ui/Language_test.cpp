@@ -46,9 +46,7 @@ TEST_F(LanguageTest, OnlyTheExactStringsLineStartsReadingAndNothingStopsIt) {
     Load(
         "[frmmain]\r\n3=Before\r\n[strings]\r\n4=Lower case\r\n [Strings]\r\n5=Blank\r\n"
         "[Strings]\r\n7=Seven\r\n[frmscan]\r\nfrmscan.Caption=Scanning\r\n8=Eight\r\n");
-    EXPECT_EQ(Lng(3), "");
-    EXPECT_EQ(Lng(4), "");
-    EXPECT_EQ(Lng(5), "");
+    EXPECT_EQ(Lng(3) + Lng(4) + Lng(5), "");
     // A key that is no number keeps the last index: a form section after [Strings] overwrites.
     EXPECT_EQ(Lng(7), "Scanning");
     EXPECT_EQ(Lng(8), "Eight");
