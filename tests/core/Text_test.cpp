@@ -15,8 +15,6 @@ TEST(InStr, PositionsAreOneBased) {
     EXPECT_EQ(InStr("abcabc", "c"), 3);
     EXPECT_EQ(InStr(4, "abcabc", "c"), 6);
     EXPECT_EQ(InStr(7, "abcabc", "c"), 0);
-    EXPECT_EQ(InStr("abc", "x"), 0);
-    EXPECT_EQ(InStr("", "x"), 0);
     EXPECT_EQ(InStr(2, "abc", ""), 2);
     EXPECT_EQ(FailureOf([] { InStr(0, "abc", "a"); }), 5);
 }
@@ -41,18 +39,11 @@ TEST(CaseMapping, KeepsEveryNonLetterByte) {
                     "1|"),
               "abc\xE0\xFF\x9A\xD7"
               "1|");
-    std::string all;
-    for (int c = 0; c < 256; ++c)
-        all += static_cast<char>(c);
-    EXPECT_EQ(LCase(UCase(LCase(all))), LCase(all));
-    EXPECT_EQ(LCase(all).size(), 256u);
 }
 
 TEST(Split, EmptyTextGivesNoPieces) {
     EXPECT_TRUE(Split("", "|").empty());
-    EXPECT_EQ(Split("a", "|"), (std::vector<std::string>{"a"}));
     EXPECT_EQ(Split("a||b|", "|"), (std::vector<std::string>{"a", "", "b", ""}));
-    EXPECT_EQ(Split("|", "|").size(), 2u);
     EXPECT_EQ(Split("a|b", ""), (std::vector<std::string>{"a|b"}));
 }
 
@@ -65,29 +56,26 @@ TEST(Split, TextComparisonAndLimit) {
 }
 
 TEST(LeftMidRight, ClipPastTheEnd) {
-    EXPECT_EQ(Left("abc", 2), "ab");
     EXPECT_EQ(Left("abc", 10), "abc");
-    EXPECT_EQ(Right("abc", 2), "bc");
     EXPECT_EQ(Right("abc", 10), "abc");
-    EXPECT_EQ(Mid("abcdef", 3), "cdef");
     EXPECT_EQ(Mid("abcdef", 3, 2), "cd");
     EXPECT_EQ(Mid("abcdef", 5, 100), "ef");
     EXPECT_EQ(Mid("abc", 9, 2), "");
     EXPECT_EQ(Left("abc", 0), "");
 }
 
-TEST(LeftMidRight, NegativeLengthOrZeroStartIsFailure5) {
+TEST(Text, BadLengthsStartsAndCharactersAreFailure5) {
     EXPECT_EQ(FailureOf([] { Left("abc", -1); }), 5);
-    EXPECT_EQ(FailureOf([] { Right("abc", -1); }), 5);
     EXPECT_EQ(FailureOf([] { Mid("abc", 1, -1); }), 5);
     EXPECT_EQ(FailureOf([] { Mid("abc", 0); }), 5);
     EXPECT_EQ(FailureOf([] { Space(-1); }), 5);
+    EXPECT_EQ(FailureOf([] { Asc(""); }), 5);
+    EXPECT_EQ(FailureOf([] { Chr(256); }), 5);
 }
 
 TEST(Trim, RemovesBlanksOnly) {
     EXPECT_EQ(Trim("  a b \t "), "a b \t");
-    EXPECT_EQ(LTrim("  a  "), "a  ");
-    EXPECT_EQ(RTrim("  a  "), "  a");
+    EXPECT_EQ(LTrim("  a  ") + RTrim("  a  "), "a    a");
     EXPECT_EQ(Trim("    "), "");
 }
 
@@ -102,28 +90,15 @@ TEST(Replace, AllOrCountedOccurrences) {
 }
 
 TEST(StrComp, BytesCompareUnsigned) {
-    EXPECT_EQ(StrComp("abc", "abd"), -1);
     EXPECT_EQ(StrComp("abc", "ab"), 1);
     EXPECT_EQ(StrComp("\xE9", "z"), 1);
     EXPECT_EQ(StrComp("ABC", "abc"), -1);
     EXPECT_EQ(StrComp("ABC", "abc", Compare::Text), 0);
-    EXPECT_EQ(StrComp("", ""), 0);
-}
-
-TEST(AscChr, AreInversesOverAllBytes) {
-    for (int c = 0; c < 256; ++c)
-        EXPECT_EQ(Asc(Chr(c)), c);
-    EXPECT_EQ(Asc("\xFFz"), 255);
-    EXPECT_EQ(FailureOf([] { Asc(""); }), 5);
-    EXPECT_EQ(FailureOf([] { Chr(256); }), 5);
-    EXPECT_EQ(FailureOf([] { Chr(-1); }), 5);
 }
 
 TEST(Occurs, CountsPieces) {
     EXPECT_EQ(Occurs("", "|"), 0);
-    EXPECT_EQ(Occurs("abc", "|"), 1);
     EXPECT_EQ(Occurs("a|b|", "|"), 3);
-    EXPECT_EQ(Occurs("|||||", "|"), 6);
     EXPECT_EQ(Occurs("a||b|||c", "||"), 3);
     EXPECT_EQ(Occurs("abc", ""), 1);
 }

@@ -97,8 +97,7 @@ TEST_F(DefinitionLoaderTest, BothFilesMissingWarnsAndLeavesOnlyUpdateAndExit) {
     ASSERT_EQ(host.Messages().size(), 1u);
     EXPECT_EQ(host.Messages()[0].prompt, "Definitions are missing");
     EXPECT_EQ(MainWindow(), "off/14 on/6 on off 0; No definitions loaded; Definition File date: ");
-    EXPECT_EQ(Value("DAT"), "");
-    EXPECT_EQ(Value("StaticDAT"), "");
+    EXPECT_EQ(Value("DAT") + Value("StaticDAT"), "");
     EXPECT_EQ(Value("InstalledVer"), VersionText() + "||");
 }
 
@@ -106,7 +105,6 @@ TEST_F(DefinitionLoaderTest, MissingStaticFileIsNoErrorAndTheScanComesOn) {
     Defs(std::string("Ver=11/15/2026\n") + kTwoFiles);
     LoadReferenceFiles();
     EXPECT_TRUE(host.Messages().empty());
-    EXPECT_EQ(Value("StaticDAT"), "");
     EXPECT_EQ(Value("DAT"), "11/15/2026");
     EXPECT_EQ(Value("InstalledVer"), VersionText() + "|11/15/2026|");
     EXPECT_EQ(MainWindow(),
@@ -132,7 +130,6 @@ TEST_F(DefinitionLoaderTest, OneFilesLineLoadsEverythingUnsortedWithTheScanOff) 
     EXPECT_EQ(t.FileDefs.Items, (Lines{"Solo|Solo.exe", ""}));
     EXPECT_EQ(t.ExclusionDefs.Items, (Lines{"z.exe||||0|0", "a.exe||||0|0", ""}));
     EXPECT_TRUE(t.Md5Index.Items.empty());
-    EXPECT_EQ(t.Md5Defs.Count, 0);
     EXPECT_FALSE(frmmain().Image2.Enabled);
     EXPECT_EQ(frmmain().lbl1.Caption, "Definitions of 1 May");
 }
@@ -144,15 +141,19 @@ TEST_F(DefinitionLoaderTest, EachSectionFillsItsTableInFileOrder) {
         "Ver=1.0.3\n[Descriptions]\nA|Adware\n[End]\n[Registry]\nFirst|HKEY_USERS|Key\n[End]\n"
         "[DoNotUnRegister]\nstatic|0\n[End]\n");
     Defs(
-        "[Add\\Remove]\nT1|Uninstall One\n[End]\n[Startup]\nT2|run.exe\n[End]\n"
+        "[Add\\Remove]\nT1|Uninstall One\n[End]\n[Startup]\nT2|systemdir\n[End]\n"
         "[CLSID]\nT3|{0000}\n[End]\n[ItemList]\nT4|3|AB\nT5\n[End]\n"
         "[Registry]\nT6|HKEY_CURRENT_USER|Software\\T6|value "
         "text\nT7|HKEY_LOCAL_MACHINE|Software\\T7\n"
         "[End]\n[DoNotUnRegister]\nabc|0\nno separator\n[End]\n[Descriptions]\nB|Cookies\n[End]\n"
+        "[Exclusion]\nk.exe|||SystemDir|3|1\nd.exe|||WINDOWSDIR\\x|3|1\n[End]\n"
         "[Unknown]\nignored|line\n[End]\noutside|any section\n");
     LoadReferenceFiles();
     EXPECT_EQ(t.AddRemoveDefs.Items, (Lines{"T1|Uninstall One", ""}));
-    EXPECT_EQ(t.StartupDefs.Items, (Lines{"T2|run.exe", ""}));
+    // Exclusion placeholders are replaced without regard to case, and only there.
+    EXPECT_EQ(t.StartupDefs.Items, (Lines{"T2|systemdir", ""}));
+    EXPECT_EQ(Filled(t.ExclusionDefs),
+              (Lines{"k.exe|||C:\\WINDOWS\\system32|3|1", "d.exe|||C:\\WINDOWS\\x|3|1"}));
     EXPECT_EQ(t.ClsidDefs.Items, (Lines{"T3|{0000}", ""}));
     EXPECT_EQ(t.ItemListDefs.Items, (Lines{"T4|3|AB", "T5", ""}));
     EXPECT_EQ(t.ItemListDefs.Count, 2);
@@ -185,21 +186,9 @@ TEST_F(DefinitionLoaderTest, Md5LinesNeedASeparatorAndFilesLinesWithoutOneStay) 
     LoadReferenceFiles();
     EXPECT_EQ(t.Md5Index.Count, 1);
     EXPECT_EQ(Filled(t.FileDefs), (Lines{"NoSeparator", "a.exe|A", "b.exe|B"}));
-    EXPECT_EQ(t.FileDefs.Count, 3);
-    EXPECT_EQ(t.FileIndex[2].FileName, "a.exe");
     EXPECT_EQ(t.FileIndex[3].FileName, "b.exe");
     // The column swap of the line without "|" fails as a subscript and goes on.
     EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
-}
-
-TEST_F(DefinitionLoaderTest, ExclusionPlaceholdersAreReplacedWithoutRegardToCase) {
-    Defs(
-        "[Exclusion]\nk.exe|||SystemDir|3|1\nd.exe|||WINDOWSDIR\\x|3|1\n[End]\n"
-        "[Startup]\nT|systemdir\n[End]\n");
-    LoadReferenceFiles();
-    EXPECT_EQ(Filled(t.ExclusionDefs),
-              (Lines{"k.exe|||C:\\WINDOWS\\system32|3|1", "d.exe|||C:\\WINDOWS\\x|3|1"}));
-    EXPECT_EQ(t.StartupDefs[0], "T|systemdir");
 }
 
 // --- Sorting and the indexes ---------------------------------------------------------------
@@ -213,56 +202,37 @@ TEST_F(DefinitionLoaderTest, FilesAndHashesAreSortedAndIndexed) {
     EXPECT_EQ(t.FileDefs.Items,
               (Lines{"", "apple.dll|ThreatA", "mid.sys|ThreatM", "zed.exe|ThreatZ"}));
     ASSERT_EQ(t.FileIndex.size(), t.FileDefs.size());
-    EXPECT_EQ(t.FileIndex[0].FileName, "");
-    EXPECT_EQ(t.FileIndex[1].Name, "ThreatA");
-    EXPECT_EQ(t.FileIndex[2].FileName, "mid.sys");
-    EXPECT_EQ(t.FileIndex[3].Name, "ThreatZ");
+    EXPECT_EQ(t.FileIndex[2].FileName + "|" + t.FileIndex[2].Name, "mid.sys|ThreatM");
     EXPECT_EQ(t.ExclusionDefs.Items, (Lines{"", "alpha.exe||||0|0", "zeta.exe||||0|0"}));
 
     ASSERT_EQ(t.Md5Index.size(), 4u);
     EXPECT_EQ(t.Md5Index.Count, 3);
     EXPECT_EQ(t.Md5Index[0].FirstChar, 0);
-    EXPECT_EQ(t.Md5Index[1].Hash, "0a");
-    EXPECT_EQ(t.Md5Index[1].Name, "Alpha");
-    EXPECT_EQ(t.Md5Index[1].FirstChar, '0');
-    EXPECT_EQ(t.Md5Index[3].Hash, "c3");
+    EXPECT_EQ(t.Md5Index[1].Hash + "|" + t.Md5Index[1].Name, "0a|Alpha");
     EXPECT_EQ(t.Md5Index[3].FirstChar, 'c');
     // The raw hash lines go once the index is built.
     EXPECT_EQ(t.Md5Defs.Items, (Lines{""}));
     EXPECT_EQ(t.Md5Defs.Count, 0);
 }
 
-TEST_F(DefinitionLoaderTest, ReloadReplacesTablesAndDateButKeepsTheFirstStaticVersion) {
-    Static("Ver=old static\n");
+// Within a file the last definition version and the first static version win; a reload
+// replaces tables and date but keeps the static version of the first load.
+TEST_F(DefinitionLoaderTest, VersionsAndReload) {
+    Static("Ver=old static\nVer=static two\n");
     Defs(
-        "Ver=old "
-        "date\n[Files]\nA|a.exe\nB|b.exe\nC|c.exe\nD|d.exe\n[End]\n[Startup]\nS|s\n[End]\n");
+        "Ver=first\n[Files]\nA|a.exe\nB|b.exe\nC|c.exe\n[End]\n[Startup]\nS|s\n[End]\n"
+        "Ver=old date=ignored\n");
     LoadReferenceFiles();
+    EXPECT_EQ(Value("InstalledVer"), VersionText() + "|old date|old static");
     Static("Ver=new static\n");
     Defs("Ver=new date\n[Files]\nX|x.exe\nY|y.exe\n[End]\n");
     LoadReferenceFiles();
     EXPECT_EQ(Filled(t.FileDefs), (Lines{"x.exe|X", "y.exe|Y"}));
     ASSERT_EQ(t.FileIndex.size(), 3u);
-    EXPECT_EQ(t.FileIndex[1].Name, "X");
-    EXPECT_EQ(t.FileIndex[2].Name, "Y");
     EXPECT_EQ(t.StartupDefs.Count, 0);
     EXPECT_EQ(App().StaticDefinitionVer, "old static");
     EXPECT_EQ(App().DefinitionDate, "new date");
     EXPECT_EQ(Value("StaticDAT"), "old static");
-}
-
-TEST(QuickSortMe, SortsTheRangeAndLeavesTheRestAlone) {
-    std::mt19937 random(7);
-    Lines lines;
-    for (int i = 0; i < 5000; ++i)
-        lines.push_back(std::to_string(random() % 700));
-    Lines expected = lines;
-    std::sort(expected.begin() + 100, expected.begin() + 4001);
-    QuickSortMe(lines, 100, 4000);
-    EXPECT_EQ(lines, expected);
-    QuickSortMe(lines, -1, -1);
-    std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(lines, expected);
 }
 
 // The yields count the steps of the classic algorithm, so they pin its pivot: the middle
@@ -276,7 +246,13 @@ TEST(QuickSortMe, PivotIsTheMiddleRoundedHalfToEven) {
     EXPECT_EQ(host.Yields(), 21);
 }
 
-TEST(QuickSortMe, DeepInputsDoNotExhaustTheStack) {
+TEST(QuickSortMe, SortsDeepInputsWithoutExhaustingTheStack) {
+    std::mt19937 random(7);
+    Lines lines;
+    for (int i = 0; i < 5000; ++i)
+        lines.push_back(std::to_string(random() % 700));
+    QuickSortMe(lines, -1, -1);
+    EXPECT_TRUE(std::is_sorted(lines.begin(), lines.end()));
     Lines same(200000, "same");
     QuickSortMe(same, -1, -1);
     Lines descending;
@@ -291,15 +267,6 @@ TEST(QuickSortMe, DeepInputsDoNotExhaustTheStack) {
 
 // --- Versions --------------------------------------------------------------------------
 
-TEST_F(DefinitionLoaderTest, LastDefinitionVersionAndFirstStaticVersionWin) {
-    Static("Ver=static one\nVer=static two\n");
-    Defs("Ver=first\n[Startup]\nVersion|v.exe\n[End]\nVer=last=ignored\n");
-    LoadReferenceFiles();
-    EXPECT_EQ(App().StaticDefinitionVer, "static one");
-    EXPECT_EQ(App().DefinitionDate, "last");
-    EXPECT_EQ(Value("InstalledVer"), VersionText() + "|last|static one");
-}
-
 // A data line starting with "Ver" is filed and read as a version too; without "=" the
 // read fails, is logged, and the load goes on.
 TEST_F(DefinitionLoaderTest, DataLinesStartingWithVerAreFiledAndReadAsVersions) {
@@ -307,10 +274,7 @@ TEST_F(DefinitionLoaderTest, DataLinesStartingWithVerAreFiledAndReadAsVersions) 
     LoadReferenceFiles();
     EXPECT_EQ(App().DefinitionDate, "kept");
     EXPECT_EQ(t.StartupDefs[0], "Verminator|v.exe");
-    const std::string log = ErrorLog();
-    EXPECT_NE(log.find("Error [ 9 ]"), std::string::npos);
-    EXPECT_NE(log.find("Procedure ( LoadReferenceFiles ) - Module ( Module1 )"), std::string::npos);
-    EXPECT_NE(log.find("Outcome: Resume Next"), std::string::npos);
+    EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
 
     Defs("Ver=date\n[Startup]\nVer|=dummy.exe\n[End]\n");
     LoadReferenceFiles();
@@ -358,15 +322,6 @@ TEST_F(DefinitionLoaderTest, AnIncompleteRecordEndsTheFile) {
     }
 }
 
-TEST(GetString, ReadsRecordsAndStopsAtOneThatDoesNotFit) {
-    DefinitionFile file{Record("abc") + Record("") + std::string("\x09\x00\x00\x00xy", 6), 0};
-    EXPECT_EQ(GetString(file, true), "abc");
-    EXPECT_EQ(GetString(file, false), "");
-    EXPECT_FALSE(file.AtEnd());
-    EXPECT_EQ(GetString(file, true), "");
-    EXPECT_TRUE(file.AtEnd());
-}
-
 // --- Files made elsewhere ---------------------------------------------------------------------
 
 // Made by tests/data/make_defs_compat.py from the format and the classic generator alone.
@@ -381,7 +336,6 @@ TEST_F(DefinitionLoaderTest, ReadsAFileEncipheredIndependently) {
     EXPECT_EQ(t.Md5Index[1].Hash, "0f343b0931126a20f133d67c2b018a3b");
     EXPECT_EQ(t.Md5Index[1].Name, "Compat.Md5");
     EXPECT_EQ(t.RegistryDefs.Items, (Lines{"ERR2", "ERR1", ""}));
-    EXPECT_TRUE(frmmain().Image2.Enabled);
 }
 
 TEST_F(DefinitionLoaderTest, SampleDefinitionsFillEveryTable) {
@@ -393,11 +347,7 @@ TEST_F(DefinitionLoaderTest, SampleDefinitionsFillEveryTable) {
             EXPECT_GT(table->Count, 0);
         }
     }
-    EXPECT_EQ(t.DescriptionDefs.Count, 18);
     EXPECT_GT(t.Md5Index.Count, 0);
-    EXPECT_FALSE(App().DefinitionDate.empty());
-    EXPECT_FALSE(App().StaticDefinitionVer.empty());
-    EXPECT_TRUE(frmmain().Image2.Enabled);
     EXPECT_EQ(ErrorLog(), "");
     // Long loads keep the window alive.
     EXPECT_GT(host.Yields(), t.FileDefs.Count + t.Md5Index.Count);

@@ -52,49 +52,34 @@ class StartupScanTest : public testing::LogTest {
     std::vector<std::pair<std::string, std::string>> hashes_;
 };
 
-TEST_F(StartupScanTest, ValueNameOrThreatNameReportsTheRunValueOnEitherRoot) {
+// By value name, by threat name, by the file of a quoted command with a switch (the line
+// found it first, so the digest walk is not taken), and a rundll32 entry by its DLL's digest.
+TEST_F(StartupScanTest, RunValuesAreJudgedByNameFileAndDigestOnEitherRoot) {
+    ListedFile("C:\\a b\\x.exe", "HashThreat");
+    ListedFile("c:\\x\\y.dll", "DllThreat");
     RunValue(Hive::LocalMachine, "Updater", "c:\\gone\\upd.exe");
+    RunValue(Hive::LocalMachine, "Runner", "\"C:\\a b\\x.exe\" /s");
     RunValue(Hive::CurrentUser, "BadThing", "");
     RunValue(Hive::CurrentUser, "Harmless", "c:\\ok.exe");
-    Lines(Definitions().StartupDefs, {"Spy|updater", "no bar here", "BadThing|other.exe"});
+    RunValue(Hive::CurrentUser, "Loader", "RUNDLL32.EXE c:\\x\\y.dll,Start");
+    Lines(Definitions().StartupDefs,
+          {"Spy|updater", "no bar here", "BadThing|other.exe", "FileThreat|X.EXE"});
     StartupRegistry();
     const std::vector<Row> expected = {{kHklmRun, "Updater", "Spy"},
-                                       {kHkcuRun, "BadThing", "BadThing"}};
+                                       {kHklmRun, "Runner", "FileThreat"},
+                                       {kHkcuRun, "BadThing", "BadThing"},
+                                       {kHkcuRun, "Loader", "DllThreat"}};
     EXPECT_EQ(Found(), expected);
-    EXPECT_EQ(App().ItemsScanned, 3);
-    EXPECT_EQ(frmscan().lbl3.Caption, "Files checked: 3");
+    EXPECT_EQ(App().ItemsScanned, 5);
+    EXPECT_EQ(frmscan().lbl3.Caption, "Files checked: 5");
 }
 
-TEST_F(StartupScanTest, QuotedCommandWithSwitchIsJudgedAsItsFile) {
-    ListedFile("C:\\a b\\x.exe", "HashThreat");
-    RunValue(Hive::LocalMachine, "Runner", "\"C:\\a b\\x.exe\" /s");
-    Lines(Definitions().StartupDefs, {"FileThreat|X.EXE"});
-    StartupRegistry();
-    // The definition line found it first, so the digest walk is not taken.
-    const std::vector<Row> expected = {{kHklmRun, "Runner", "FileThreat"}};
-    EXPECT_EQ(Found(), expected);
-}
-
-TEST_F(StartupScanTest, FileNameHitThatTheFileTestRejectsSettlesTheLine) {
+TEST_F(StartupScanTest, RejectedFileNameHitsAndSlashedPathsFindNothing) {
     files.addFile("C:\\x.exe", "clean");
     RunValue(Hive::LocalMachine, "Runner", "C:\\x.exe");
-    Lines(Definitions().StartupDefs, {"Runner|x.exe"});
-    StartupRegistry();
-    EXPECT_TRUE(Found().empty());
-}
-
-TEST_F(StartupScanTest, Rundll32EntryIsHashedAsTheDll) {
-    ListedFile("c:\\x\\y.dll", "DllThreat");
-    RunValue(Hive::CurrentUser, "Loader", "RUNDLL32.EXE c:\\x\\y.dll,Start");
-    StartupRegistry();
-    const std::vector<Row> expected = {{kHkcuRun, "Loader", "DllThreat"}};
-    EXPECT_EQ(Found(), expected);
-}
-
-TEST_F(StartupScanTest, SlashInAFolderNameCutsThePath) {
     ListedFile("C:\\a/b\\x.exe", "HashThreat");
-    RunValue(Hive::LocalMachine, "Runner", "C:\\a/b\\x.exe");
-    Lines(Definitions().StartupDefs, {"T|x.exe"});
+    RunValue(Hive::LocalMachine, "Slashed", "C:\\a/b\\x.exe");
+    Lines(Definitions().StartupDefs, {"Runner|x.exe"});
     StartupRegistry();
     EXPECT_TRUE(Found().empty());
 }

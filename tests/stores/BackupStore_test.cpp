@@ -64,16 +64,6 @@ TEST_F(BackupStoreTest, AddBackupDatWritesTheFileOrderWithCaretsForEmptyFields) 
     EXPECT_EQ(ErrorLog(), "");
 }
 
-TEST_F(BackupStoreTest, LoadBackupDatPutsTheDateFirst) {
-    files.addFile(kStore, kFileLine + "\r\n");
-    LoadBackupDat();
-    ASSERT_EQ(BackupRecords().Count(), 1);
-    EXPECT_EQ(Fields(BackupRecords()[1]),
-              (std::vector<std::string>{kNow, "File", "C:\\x\\", "a.exe", "C:\\App\\Backup\\",
-                                        "1000012.asw", "Spy"}));
-    EXPECT_THROW(BackupRecords()[2], Failure);
-}
-
 TEST_F(BackupStoreTest, AStarInARegistryItemShiftsTheLaterFields) {
     AddBackupDat("Registry", "HKEY_CURRENT_USER\\Software\\a*b", "", "77.asw", "C:\\BACKUP~1\\",
                  "Spy", VbTrue);
@@ -83,34 +73,26 @@ TEST_F(BackupStoreTest, AStarInARegistryItemShiftsTheLaterFields) {
                                         "b", "C:\\BACKUP~1\\", "77.asw"}));
 }
 
+// Stray separators and binary bytes are kept as they are.
 TEST_F(BackupStoreTest, ShortLinesAreSkippedOrKeptWithTheirMissingFieldsLogged) {
+    const char kBinary[] = "\x00*\xff*\x1a*\n*\x80*\x01*\x7f*extra";
     files.addFile(kStore,
-                  "File*d*l*n\r\n"        // 4 fields: skipped
-                  "File*d*l*n*nl\r\n"     // 5: a record, two fields missing
-                  "File*d*l*n*nl*nn\r\n"  // 6: a record, the threat missing
-                  "\r\n*****\r\n");       // empty: skipped; 6 empty fields: a record
+                  "File*d*l*n\r\n"                                // 4 fields: skipped
+                  "File*d*l*n*nl\r\n"                             // 5: a record, two fields missing
+                  "File*d*l*n*nl*nn\r\n\r\n" +                    // 6: the threat missing
+                      std::string(kBinary, sizeof kBinary - 1) +  // more than 7: cut
+                      "\r*******\rFile");
     LoadBackupDat();
-    ASSERT_EQ(BackupRecords().Count(), 3);
+    ASSERT_EQ(BackupRecords().Count(), 4);
     EXPECT_EQ(Fields(BackupRecords()[1]),
               (std::vector<std::string>{"d", "File", "l", "n", "nl", "", ""}));
     EXPECT_EQ(Fields(BackupRecords()[2]),
               (std::vector<std::string>{"d", "File", "l", "n", "nl", "nn", ""}));
-    EXPECT_EQ(Fields(BackupRecords()[3]), std::vector<std::string>(7, ""));
-    EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
-    EXPECT_NE(ErrorLog().find("Procedure ( LoadBackupDat ) - Module ( Module1 )"),
-              std::string::npos);
-}
-
-TEST_F(BackupStoreTest, StraySeparatorsAndBinaryBytesAreKeptAsTheyAre) {
-    const char kBinary[] = "\x00*\xff*\x1a*\n*\x80*\x01*\x7f*extra";
-    const std::string binary(kBinary, sizeof kBinary - 1);
-    files.addFile(kStore, binary + "\r*******\rFile");
-    LoadBackupDat();
-    ASSERT_EQ(BackupRecords().Count(), 2);
-    EXPECT_EQ(Fields(BackupRecords()[1]),
+    EXPECT_EQ(Fields(BackupRecords()[3]),
               (std::vector<std::string>{"\xff", std::string(1, '\0'), "\x1a", "\n", "\x80", "\x01",
                                         "\x7f"}));
-    EXPECT_EQ(Fields(BackupRecords()[2]), std::vector<std::string>(7, ""));
+    EXPECT_EQ(Fields(BackupRecords()[4]), std::vector<std::string>(7, ""));
+    EXPECT_NE(ErrorLog().find("Procedure ( LoadBackupDat )"), std::string::npos);
 }
 
 TEST_F(BackupStoreTest, AnAbsentFileGivesAnEmptyTableWithoutAMessage) {
