@@ -37,9 +37,7 @@ class FileScanNt5Test : public ::testing::Test {
         CreateDirectoryA(App().AppPath.c_str(), nullptr);
         SetDefinitions();
     }
-    ~FileScanNt5Test() override {
-        RemoveTree(work_);
-    }
+    ~FileScanNt5Test() override { RemoveTree(work_); }
 
     // The tables as a load leaves them: indexes sorted, exclusion lines sorted.
     static void SetDefinitions() {
