@@ -61,16 +61,6 @@ Fd OpenLock(const std::string& path, bool create) {
     return fd;
 }
 
-// Whether the moment exists on the calendar; Windows formats nothing for one that doesn't.
-bool IsRealMoment(const LocalTime& t) {
-    static const int kDays[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    const bool leap = t.year % 4 == 0 && (t.year % 100 != 0 || t.year % 400 == 0);
-    if (t.month < 1 || t.month > 12 || t.day < 1 || t.day > kDays[t.month - 1]) return false;
-    if (t.month == 2 && t.day == 29 && !leap) return false;
-    return t.hour >= 0 && t.hour < 24 && t.minute >= 0 && t.minute < 60 && t.second >= 0 &&
-           t.second < 60;
-}
-
 bool TryLock(const Fd& fd) {
     return ::flock(fd.get(), LOCK_EX | LOCK_NB) == 0;
 }
