@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <filesystem>
+
 #include "platform/contract/FilesContract.h"
 #include "platform/contract/ProcessesContract.h"
 #include "platform/contract/RegistryContract.h"
@@ -26,21 +28,10 @@ std::string TempPath(const std::string& stem) {
 }
 
 void RemoveAll(const std::string& path) {
-    WIN32_FIND_DATAA found;
-    HANDLE search = FindFirstFileA((path + "\\*").c_str(), &found);
-    if (search != INVALID_HANDLE_VALUE) {
-        do {
-            const std::string name = found.cFileName, child = path + "\\" + name;
-            if (name == "." || name == "..") continue;
-            SetFileAttributesA(child.c_str(), FILE_ATTRIBUTE_NORMAL);
-            if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
-                RemoveAll(child);
-            else
-                DeleteFileA(child.c_str());
-        } while (FindNextFileA(search, &found));
-        FindClose(search);
-    }
-    RemoveDirectoryA(path.c_str());
+    std::error_code ignored;
+    for (const auto& e : std::filesystem::recursive_directory_iterator(path, ignored))
+        SetFileAttributesA(e.path().string().c_str(), FILE_ATTRIBUTE_NORMAL);
+    std::filesystem::remove_all(path, ignored);
 }
 
 struct Win32FilesMaker {

