@@ -50,9 +50,6 @@ struct MemoryProcessesMaker {
 };
 
 struct MemorySystemMaker : MemoryFilesMaker {
-    static constexpr Difference kDifferences[] = {
-        {"ScreenShellAndWindowsAnswerSensibly", "shell calls are only recorded"},
-    };
     platform::System& system() { return sys; }
     void setEnv(std::string_view name, std::optional<std::string> value) {
         sys.setEnvironment(name, std::move(value));

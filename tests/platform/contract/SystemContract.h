@@ -118,21 +118,11 @@ TYPED_TEST_P(SystemContract, ProfileStringsAreWrittenToTheFileAndCutToTheCapacit
         sys.writeProfileString("Language", "File", "x", this->maker.folder() + "\\no\\a.ini"));
 }
 
-TYPED_TEST_P(SystemContract, ScreenShellAndWindowsAnswerSensibly) {
-    auto& sys = this->sys;
-    EXPECT_TRUE(sys.screenWidthPixels() > 0 && sys.screenHeightPixels() > 0);
-    EXPECT_GE(sys.screenDpiY(), 96);
-    EXPECT_FALSE(sys.screenReaderActive());
-    EXPECT_FALSE(sys.shellExecute("Open", "C:\\no such folder\\help.chm", "", 1));
-    EXPECT_FALSE(sys.postClose(0x7FFF0001u));
-}
-
 REGISTER_TYPED_TEST_SUITE_P(SystemContract, ANamedMutexIsOwnedOnceAndSeenUntilItsLastHandleCloses,
                             MutexNamesAreCaseSensitiveAndUnnamedOnesAreNeverShared,
                             DatesAndTimesInTheUsFormsAndNothingForImpossibleDays,
                             IdentityFoldersAndTheTickCount, EnvironmentTellsEmptyFromMissing,
                             EnvironmentNamesIgnoreCase,
-                            ProfileStringsAreWrittenToTheFileAndCutToTheCapacity,
-                            ScreenShellAndWindowsAnswerSensibly);
+                            ProfileStringsAreWrittenToTheFileAndCutToTheCapacity);
 
 }  // namespace orvex::testing

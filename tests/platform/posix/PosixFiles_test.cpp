@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <functional>
+#include <tuple>
 #include <vector>
 
 #include "platform/posix/PosixTestFolder.h"
@@ -21,40 +22,30 @@ using V = std::vector<std::string>;
 using namespace std::string_literals;
 
 TEST(PosixPathMap, DriveCMapsOntoTheRootAndNothingElseDoes) {
-    const std::optional<std::string> none;
-    const struct {
-        const char* root;
-        std::string engine;
-        std::optional<std::string> native;
-    } toNative[] = {
-        {"/", "C:\\home\\x\\a.txt", "/home/x/a.txt"},
-        {"/", "c:/home/x/", "/home/x"},
-        {"/", "C:", "/"},
-        {"/", "\\etc\\hosts", "/etc/hosts"},
-        {"/", "relative\\name.txt", "relative/name.txt"},
-        {"/srv/c/", "C:\\Windows\\System32", "/srv/c/Windows/System32"},
-        {"/srv/c", "C:\\a\\..\\..\\..\\etc\\passwd", "/srv/c/etc/passwd"},  // never above
-        {"/srv/c", "C:\\..\\", "/srv/c"},
-        {"/", "D:\\x", none},
-        {"/", "\\\\server\\share\\x", none},
-        {"/", "C:\\a\0b"s, none},
+    using S = std::optional<std::string>;
+    enum Way { kToNative = 1, kToEngine = 2, kBoth = 3 };
+    const std::tuple<const char*, S, S, Way> cases[] = {
+        {"/", "C:\\home\\x\\a.txt", "/home/x/a.txt", kBoth},
+        {"/", "C:\\", "/", kBoth},
+        {"/srv/c/", "C:\\Windows\\System32", "/srv/c/Windows/System32", kBoth},
+        {"/", "c:/home/x/", "/home/x", kToNative},
+        {"/", "C:", "/", kToNative},
+        {"/", "\\etc\\hosts", "/etc/hosts", kToNative},
+        {"/srv/c", "C:\\a\\..\\..\\..\\etc\\passwd", "/srv/c/etc/passwd", kToNative},  // no higher
+        {"/", "D:\\x", S(), kToNative},
+        {"/", "\\\\server\\share\\x", S(), kToNative},
+        {"/", "C:\\a\0b"s, S(), kToNative},
+        {"/", "C:\\tmp\\x", "/tmp/./a/../x/", kToEngine},
+        {"/srv/c/", "C:\\", "/srv/c", kToEngine},
+        {"/srv/c/", S(), "/srv/cd/a", kToEngine},  // a longer name, not a subfolder
+        {"/srv/c/", S(), "/etc", kToEngine},
     };
-    for (const auto& c : toNative)
-        EXPECT_EQ(PathMap(c.root).toNative(c.engine), c.native) << c.engine;
-    const struct {
-        const char *root, *native;
-        std::optional<std::string> engine;
-    } toEngine[] = {
-        {"/", "/tmp/x", "C:\\tmp\\x"},
-        {"/", "/", "C:\\"},
-        {"/", "/tmp/./a/../x/", "C:\\tmp\\x"},
-        {"/srv/c/", "/srv/c/a/b", "C:\\a\\b"},
-        {"/srv/c/", "/srv/c", "C:\\"},
-        {"/srv/c/", "/srv/cd/a", none},  // a longer name, not a subfolder
-        {"/srv/c/", "/etc", none},
-    };
-    for (const auto& c : toEngine)
-        EXPECT_EQ(PathMap(c.root).toEngine(c.native), c.engine) << c.native;
+    for (const auto& [root, engine, native, way] : cases) {
+        EXPECT_EQ(way & kToNative ? PathMap(root).toNative(*engine) : native, native)
+            << engine.value_or("");
+        EXPECT_EQ(way & kToEngine ? PathMap(root).toEngine(*native) : engine, engine)
+            << native.value_or("");
+    }
     EXPECT_EQ(PathMap("/srv/c/").root(), "/srv/c");
     char cwd[4096];
     ASSERT_NE(::getcwd(cwd, sizeof cwd), nullptr);

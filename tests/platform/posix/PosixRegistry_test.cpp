@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
@@ -20,22 +19,8 @@ const std::string kProduct = "Software\\Norvani\\Orvex Sentry";
 
 class PosixRegistryTest : public ::testing::Test {
   protected:
-    PosixRegistryTest() {
-        if (const char* old = std::getenv("ORVEX_REGISTRY")) saved_ = old;
-        ::setenv("ORVEX_REGISTRY", file.c_str(), 1);
-    }
-    ~PosixRegistryTest() override {
-        if (saved_)
-            ::setenv("ORVEX_REGISTRY", saved_->c_str(), 1);
-        else
-            ::unsetenv("ORVEX_REGISTRY");
-    }
-
     PosixTestFolder folder;
     std::string file = folder / "registry.json";
-
-  private:
-    std::optional<std::string> saved_;
 };
 
 TEST_F(PosixRegistryTest, EveryChangeSurvivesARestartByteForByte) {
@@ -47,8 +32,7 @@ TEST_F(PosixRegistryTest, EveryChangeSurvivesARestartByteForByte) {
         {"Paths", regtype::kMultiSz, std::string("a\0b\0", 4)},
     };
     {
-        PosixRegistry registry;
-        EXPECT_EQ(registry.file(), file);
+        PosixRegistry registry(file);
         for (const char* key : {"Zeta", "Alpha"})
             ASSERT_EQ(registry.createKey(kLm, kProduct + "\\" + key), regstatus::kOk);
         for (const RegValue& value : values)
@@ -58,7 +42,7 @@ TEST_F(PosixRegistryTest, EveryChangeSurvivesARestartByteForByte) {
         registry.createKey(Hive::CurrentUser, "Software\\Other\\Deep");
         registry.deleteTree(Hive::CurrentUser, "Software\\Other\\Deep");
     }
-    PosixRegistry again;  // the path from ORVEX_REGISTRY again
+    PosixRegistry again(file);
     std::vector<RegValue> listed;
     ASSERT_EQ(again.listValues(kLm, kProduct, listed), regstatus::kOk);
     ASSERT_EQ(listed.size(), values.size());
@@ -81,7 +65,7 @@ TEST_F(PosixRegistryTest, EveryChangeSurvivesARestartByteForByte) {
 
 TEST_F(PosixRegistryTest, AMissingFileIsAnEmptyRegistryAndTooDeepKeysAreRefused) {
     ::testing::internal::CaptureStderr();
-    PosixRegistry registry;
+    PosixRegistry registry(file);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
     EXPECT_FALSE(registry.keyExists(kLm, "Software"));
     std::string deep = "k";
@@ -109,7 +93,7 @@ TEST_F(PosixRegistryTest, CorruptFilesStartEmptyAreKeptAsideAndReplacedOnTheNext
         std::filesystem::remove(file + ".corrupt");
         folder.write("registry.json", text);
         ::testing::internal::CaptureStderr();
-        PosixRegistry registry;
+        PosixRegistry registry(file);
         std::string message = ::testing::internal::GetCapturedStderr();
         EXPECT_NE(message.find("corrupt"), std::string::npos) << message;
         EXPECT_FALSE(registry.keyExists(kLm, "Software"));

@@ -1,9 +1,15 @@
-// MemoryFileSystem_test.cpp: what only the memory file system does: its scripting (drives,
-// locks, write faults), sorted listings, its 8.3 names and the spelling a replace leaves.
+// Memory_test.cpp: what only the memory back-end does: scripted drives, sorted listings,
+// its 8.3 names, the spelling a replace leaves, creation order and denied keys. Write faults,
+// drive readiness, key timestamps, the clock, processes, shared mutexes, windows and shell
+// calls are scripted by the store, scan and startup tests, which fail when the script breaks.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
+#include <tuple>
+
 #include "platform/memory/MemoryPlatform.h"
+#include "platform/memory/ShortNames.h"
 #include "support/FailureOf.h"
 
 namespace orvex::platform::memory {
@@ -31,7 +37,7 @@ TEST_F(MemoryFileSystemTest, PathsTakeEitherSlashButNeedADriveAndTheRootStays) {
     EXPECT_EQ(FailureOf([&] { fs.remove("C:\\"); }), 75);
 }
 
-TEST_F(MemoryFileSystemTest, StreamsOutliveTheirFileAndFailFarSeeksAndArmedWrites) {
+TEST_F(MemoryFileSystemTest, StreamsOutliveTheirFileAndFailFarSeeks) {
     fs.addFile("C:\\gone.txt", "abc");
     auto gone = fs.open("C:\\gone.txt", OpenMode::Read);
     fs.remove("C:\\gone.txt");
@@ -40,14 +46,6 @@ TEST_F(MemoryFileSystemTest, StreamsOutliveTheirFileAndFailFarSeeksAndArmedWrite
     auto far = fs.open("C:\\gap.bin", OpenMode::Write);
     far->seek(1ull << 40);  // fails instead of allocating
     EXPECT_THROW(far->write("z", 1), Failure);
-    const auto before = fs.writeCount();
-    fs.failWrite(2, failure::kDiskFull);
-    auto s = fs.open("C:\\store.tmp", OpenMode::Write);
-    s->write("one,", 4);
-    EXPECT_EQ(FailureOf([&] { s->write("two,", 4); }), failure::kDiskFull);
-    s->write("three", 5);  // fails only once
-    EXPECT_EQ(fs.contents("C:\\store.tmp"), "one,three");
-    EXPECT_EQ(fs.writeCount(), before + 3);
 }
 
 TEST_F(MemoryFileSystemTest, ReplaceTakesTheNewSpellingAndRefusesALockedTarget) {
@@ -80,19 +78,65 @@ TEST_F(MemoryFileSystemTest, ShortNamesAreNumberedPerFolderAndListsAreSorted) {
     EXPECT_EQ(entries[0].attributes, attr::kHidden);
     EXPECT_EQ(entries[1].name, "mid");
     EXPECT_EQ(entries[2].attributes, attr::kArchive);
-    EXPECT_THAT(fs.filesBelow("C:\\D"),
-                ElementsAre("C:\\d\\Alpha long name.txt", "C:\\d\\zeta.txt"));
 }
 
-TEST_F(MemoryFileSystemTest, DrivesAreScriptedWithTypesSpaceAndReadiness) {
+TEST_F(MemoryFileSystemTest, DrivesAreScriptedWithTypesAndSpace) {
     fs.addDrive("E:\\", drivetype::kCdRom);
     fs.addDrive("D", drivetype::kRemote, 1234);
     EXPECT_THAT(fs.drives(), ElementsAre("C:\\", "D:\\", "E:\\"));
     EXPECT_EQ(fs.driveType("E:"), drivetype::kCdRom);
     EXPECT_EQ(fs.freeSpace("D:\\"), 1234u);
-    fs.setDriveReady("E:\\", false);
-    EXPECT_FALSE(fs.folderExists("E:\\"));
-    EXPECT_EQ(FailureOf([&] { fs.list("E:\\"); }), 71);
+}
+
+constexpr Hive kLm = Hive::LocalMachine;
+
+TEST(MemoryRegistry, EnumeratesInCreationOrderKeepsDwordsAsBytesAndRefusesEmptyParts) {
+    MemoryRegistry reg;
+    for (const char* name : {"b", "a", "C"})
+        reg.addKey(kLm, std::string("K\\") + name);
+    reg.setString(kLm, "K", "zeta", "4");
+    reg.setDword(kLm, "K", "Alpha", 0x01020304u);
+    EXPECT_THAT(reg.subKeyNames(kLm, "k"), ElementsAre("b", "a", "C"));
+    EXPECT_THAT(reg.valueNames(kLm, "K"), ElementsAre("zeta", "Alpha"));
+    EXPECT_EQ(reg.data(kLm, "K", "Alpha"), std::string("\x04\x03\x02\x01", 4));
+    EXPECT_EQ(reg.dword(kLm, "K", "Alpha"), 0x01020304u);
+    EXPECT_EQ(reg.dword(kLm, "K", "zeta"), std::nullopt);
+    EXPECT_EQ(reg.createKey(kLm, "A\\\\C"), regstatus::kInvalid);
+    EXPECT_FALSE(reg.keyExists(kLm, "A") || reg.keyExists(kLm, "\\K"));
+}
+
+TEST(MemoryRegistry, DeniedKeysRefuseChangesWithStatusFive) {
+    MemoryRegistry reg;
+    reg.setString(kLm, "Locked\\Inner", "v", "1");
+    reg.denyWrites(kLm, "Locked\\Inner");
+    EXPECT_EQ(reg.writeValue(kLm, "Locked\\Inner", RegValue{"w", regtype::kSz, "2"}),
+              regstatus::kAccessDenied);
+    EXPECT_EQ(reg.deleteValue(kLm, "Locked\\Inner", "v"), regstatus::kAccessDenied);
+    EXPECT_EQ(reg.createKey(kLm, "Locked\\Inner\\New"), regstatus::kAccessDenied);
+    EXPECT_EQ(reg.deleteTree(kLm, "Locked"), regstatus::kAccessDenied);
+    EXPECT_EQ(reg.data(kLm, "Locked\\Inner", "v"), "1");
+}
+
+std::string Short(std::string_view name, const std::set<std::string>& taken = {}) {
+    return MakeShortName(name, [&](std::string_view c) { return taken.count(std::string(c)) > 0; });
+}
+
+TEST(ShortNames, OnlyLongNamesGetOneCutCapitalisedAndNumbered) {
+    for (const char* name : {"README.TXT", "readme.txt", "WINDOWS"})
+        EXPECT_TRUE(IsShortName(name) && Short(name).empty()) << name;
+    for (const char* name : {"ReadMeFirst.txt", "a.html", "a.b.c", "my file.txt", ".htaccess"})
+        EXPECT_FALSE(IsShortName(name)) << name;
+    std::set<std::string> nine;
+    for (int n = 1; n <= 9; ++n)
+        nine.insert("PROGRA~" + std::to_string(n));
+    const std::tuple<const char*, std::set<std::string>, const char*> cases[] = {
+        {"Program Files", {}, "PROGRA~1"},   {"Program Files", {"PROGRA~1"}, "PROGRA~2"},
+        {"Program Files", nine, "PROGR~10"},  // the base shrinks when the number grows
+        {"index.html", {}, "INDEX~1.HTM"},   {"my.long.name.html", {}, "MYLONG~1.HTM"},
+        {".htaccess", {}, "HTACCE~1"},       {"a+b c;d.txt", {}, "A_BC_D~1.TXT"},
+    };
+    for (const auto& [name, taken, expected] : cases)
+        EXPECT_EQ(Short(name, taken), expected) << name;
 }
 
 }  // namespace
