@@ -21,12 +21,6 @@ namespace {
 using namespace platform;
 using namespace platform::win32;
 
-std::string TempPath(const std::string& stem) {
-    char temp[MAX_PATH + 1];
-    GetTempPathA(sizeof temp, temp);
-    return std::string(temp) + stem + std::to_string(GetCurrentProcessId());
-}
-
 void RemoveAll(const std::string& path) {
     std::error_code ignored;
     for (const auto& e : std::filesystem::recursive_directory_iterator(path, ignored))
@@ -61,7 +55,9 @@ struct Win32FilesMaker {
     }
 
     Win32Files fs;
-    std::string dir = TempPath("OrvexContract");
+    std::string dir = (std::filesystem::temp_directory_path() /
+                       ("OrvexContract" + std::to_string(GetCurrentProcessId())))
+                          .string();
     HANDLE held = INVALID_HANDLE_VALUE;
 };
 

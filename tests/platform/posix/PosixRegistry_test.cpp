@@ -76,19 +76,18 @@ TEST_F(PosixRegistryTest, AMissingFileIsAnEmptyRegistryAndTooDeepKeysAreRefused)
 }
 
 TEST_F(PosixRegistryTest, CorruptFilesStartEmptyAreKeptAsideAndReplacedOnTheNextChange) {
-    const char* broken[] = {
-        "{\"format\": 1, \"hives\": {\"HKEY_LOCAL_MACHINE\": {\"values\": [",  // cut short
+    const std::string lm = R"({"format": 1, "hives": {"HKEY_LOCAL_MACHINE": )";
+    const std::string broken[] = {
+        lm + R"({"values": [)",  // cut short
         "[1, 2, 3]",
-        "{\"format\": 1, \"hives\": {\"HKEY_NOWHERE\": {\"values\": [], \"keys\": []}}}",
-        "{\"format\": 1, \"hives\": {\"HKEY_LOCAL_MACHINE\": {\"values\": [{\"name\": \"x\", "
-        "\"type\": 3, \"hex\": \"0g\"}], \"keys\": []}}}",
-        "{\"format\": 1, \"hives\": {\"HKEY_LOCAL_MACHINE\": {\"values\": [], \"keys\": "
-        "[{\"name\": \"a\\\\b\", \"lastWrite\": \"\", \"values\": [], \"keys\": []}]}}}",
-        "{\"format\": 1, \"hives\": {\"HKEY_LOCAL_MACHINE\": {\"values\": [{\"name\": "
-        "\"\\u20ac\", \"type\": 1, \"text\": \"\"}], \"keys\": []}}}",
+        R"({"format": 1, "hives": {"HKEY_NOWHERE": {"values": [], "keys": []}}})",
+        lm + R"({"values": [{"name": "x", "type": 3, "hex": "0g"}], "keys": []}}})",
+        lm +
+            R"({"values": [], "keys": [{"name": "a\\b", "lastWrite": "", "values": [], "keys": []}]}}})",
+        lm + R"({"values": [{"name": "\u20ac", "type": 1, "text": ""}], "keys": []}}})",
         "\xFF\xFE not even text",
     };
-    for (const char* text : broken) {
+    for (const std::string& text : broken) {
         SCOPED_TRACE(text);
         std::filesystem::remove(file + ".corrupt");
         folder.write("registry.json", text);
@@ -98,7 +97,6 @@ TEST_F(PosixRegistryTest, CorruptFilesStartEmptyAreKeptAsideAndReplacedOnTheNext
         EXPECT_NE(message.find("corrupt"), std::string::npos) << message;
         EXPECT_FALSE(registry.keyExists(kLm, "Software"));
         EXPECT_EQ(folder.read("registry.json.corrupt"), text);
-
         ASSERT_EQ(registry.createKey(kLm, "Software"), regstatus::kOk);
         EXPECT_TRUE(PosixRegistry(file).keyExists(kLm, "Software"));
     }
