@@ -1,6 +1,8 @@
 // IniFile_test.cpp: profile strings read and written as the Windows profile API does.
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "platform/IniFile.h"
 #include "platform/memory/MemoryPlatform.h"
 
@@ -23,37 +25,27 @@ class IniFileTest : public ::testing::Test {
 TEST_F(IniFileTest, ReadsIgnoreCaseTrimStayInTheirSectionAndCutToTheCapacity) {
     EXPECT_EQ(read("Language", "CurrentLanguage", "English  "), "English");  // no file
     files.addFile(kFile,
-                  "top=before any section\r\n"
-                  "[ Language ]\r\n"
-                  "  CurrentLanguage =  English  \r\n"
-                  "Quoted=\"  spaced  \"\r\nSingle='x'\r\nHalf=\"open\r\nEmpty=\r\n"
-                  "key=first\r\nkey=second\r\n"
+                  "top=before any section\r\n[ Language ]\r\n"
+                  "  CurrentLanguage =  English  \r\nQuoted=\"  spaced  \"\r\n"
+                  "Half=\"open\r\nEmpty=\r\nkey=first\r\nkey=second\r\n"
                   "[B]\nkey=other\n"  // LF-only lines
-                  "long=" +
-                      std::string(600, 'v') +
-                      "\r\n"
-                      "[Language]\r\nlate=in a repeated section\r\n");
-    const struct {
-        const char *section, *key, *fallback;
-        std::size_t capacity;
-        std::string expected;
-    } cases[] = {
-        {"language", "CURRENTLANGUAGE", "", 512, "English"},
-        {"Language", "Quoted", "", 512, "  spaced  "},
-        {"Language", "Single", "", 512, "x"},
-        {"Language", "Half", "", 512, "\"open"},
-        {"Language", "Empty", "default", 512, ""},
-        {"Language", "key", "", 512, "first"},
-        {"B", "key", "", 512, "other"},
-        {"Language", "top", "none", 512, "none"},
-        {"Language", "late", "none", 512, "none"},
-        {"B", "missing", " d ", 512, " d"},
-        {"B", "long", "", 512, std::string(511, 'v')},
-        {"B", "missing", "abcdef", 3, "ab"},
+                  "[Language]\r\nlate=in a repeated section\r\n[C]\r\nlong=" +
+                      std::string(600, 'v') + "\r\n");
+    const std::array<const char*, 4> cases[] = {
+        {"language", "CURRENTLANGUAGE", "", "English"},
+        {"Language", "Quoted", "", "  spaced  "},
+        {"Language", "Half", "", "\"open"},
+        {"Language", "Empty", "default", ""},
+        {"Language", "key", "", "first"},
+        {"B", "key", "", "other"},
+        {"Language", "top", "none", "none"},
+        {"Language", "late", "none", "none"},
+        {"B", "missing", " d ", " d"},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(read(c.section, c.key, c.fallback, c.capacity), c.expected)
-            << c.section << "/" << c.key << "/" << c.capacity;
+    for (const auto& [section, key, fallback, expected] : cases)
+        EXPECT_EQ(read(section, key, fallback), expected) << section << "/" << key;
+    EXPECT_EQ(read("C", "long"), std::string(511, 'v'));
+    EXPECT_EQ(read("C", "missing", "abcdef", 3), "ab");
 }
 
 TEST_F(IniFileTest, WritingReplacesOrAppendsWithinTheSectionAndKeepsTheRest) {

@@ -87,7 +87,6 @@ struct Win32ProcessesMaker {
         CloseHandle(watch);
         return gone;
     }
-    void pause(int ms) { Sleep(ms); }
 
     Win32Processes procs;
 };

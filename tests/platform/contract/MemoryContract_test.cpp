@@ -44,7 +44,6 @@ struct MemoryProcessesMaker {
     std::string selfImage() const { return "C:\\Orvex\\OrvexSentry.exe"; }
     ChildProgram child() { return {}; }
     bool ended(std::uint32_t) { return false; }
-    void pause(int) {}
 
     MemoryProcesses procs;
 };

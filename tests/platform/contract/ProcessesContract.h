@@ -5,9 +5,11 @@
 #pragma once
 
 #include <cctype>
+#include <chrono>
 #include <climits>
 #include <set>
 #include <string>
+#include <thread>
 
 #include "platform/Processes.h"
 #include "platform/contract/Contract.h"
@@ -70,7 +72,7 @@ TYPED_TEST_P(ProcessesContract, AStartedProgramIsListedAndEndedByTerminate) {
     for (int wait = 0; wait < 200 && started.empty(); ++wait) {
         for (std::uint32_t pid : this->running(child.image))
             if (!before.count(pid)) started.insert(pid);
-        if (started.empty()) this->maker.pause(25);
+        if (started.empty()) std::this_thread::sleep_for(std::chrono::milliseconds(25));
     }
     ASSERT_EQ(started.size(), 1u);
     EXPECT_TRUE(this->api.terminate(*started.begin()));

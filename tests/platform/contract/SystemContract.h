@@ -29,14 +29,12 @@ TYPED_TEST_P(SystemContract, ANamedMutexIsOwnedOnceAndSeenUntilItsLastHandleClos
     ASSERT_TRUE(first.handle != 0 && second.handle != 0);
     EXPECT_FALSE(first.alreadyExisted);
     EXPECT_TRUE(second.alreadyExisted);
-    const auto opened = sys.openMutex(name);
-    EXPECT_NE(opened, 0u);
     EXPECT_TRUE(sys.releaseMutex(first.handle));
     for (auto handle : {first.handle, second.handle, platform::MutexHandle{0}})
         EXPECT_FALSE(sys.releaseMutex(handle)) << handle;
     const auto stillThere = sys.openMutex(name);  // released, but handles are still open
     EXPECT_NE(stillThere, 0u);
-    for (auto handle : {stillThere, opened, second.handle, first.handle})
+    for (auto handle : {stillThere, second.handle, first.handle})
         sys.closeHandle(handle);
     EXPECT_EQ(sys.openMutex(name), 0u);
 }
@@ -56,8 +54,7 @@ TYPED_TEST_P(SystemContract, MutexNamesAreCaseSensitiveAndUnnamedOnesAreNeverSha
 TYPED_TEST_P(SystemContract, DatesAndTimesInTheUsFormsAndNothingForImpossibleDays) {
     auto& sys = this->sys;
     const auto now = sys.now();
-    EXPECT_GE(now.year, 2020);
-    EXPECT_TRUE(now.month >= 1 && now.month <= 12 && now.day >= 1 && now.day <= 31);
+    EXPECT_TRUE(now.year >= 2020 && now.month >= 1 && now.month <= 12 && now.day >= 1);
     EXPECT_EQ(sys.shortDateText({2026, 13, 1, 0, 0, 0}), "");
     EXPECT_EQ(sys.longTimeText({2026, 2, 30, 0, 0, 0}), "");
     if (!this->maker.usLocale()) GTEST_SKIP() << "the exact texts are those of an en-US user";

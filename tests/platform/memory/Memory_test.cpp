@@ -1,6 +1,6 @@
-// Memory_test.cpp: what only the memory back-end does: scripted drives, sorted listings,
+// Memory_test.cpp: what only the memory back-end does: sorted listings,
 // its 8.3 names, the spelling a replace leaves, creation order and denied keys. Write faults,
-// drive readiness, key timestamps, the clock, processes, shared mutexes, windows and shell
+// scripted drives, key timestamps, the clock, processes, shared mutexes, windows and shell
 // calls are scripted by the store, scan and startup tests, which fail when the script breaks.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -25,7 +25,7 @@ class MemoryFileSystemTest : public ::testing::Test {
     MemoryFileSystem fs;
 };
 
-TEST_F(MemoryFileSystemTest, PathsTakeEitherSlashButNeedADriveAndTheRootStays) {
+TEST_F(MemoryFileSystemTest, PathsNeedADriveTheRootStaysAndStreamsOutliveTheirFile) {
     fs.addFile("C:\\Program Files\\App\\Tool.EXE", "MZ");
     fs.addFolder("C:\\d");
     EXPECT_TRUE(fs.folderExists("C:/program files/"));
@@ -35,9 +35,6 @@ TEST_F(MemoryFileSystemTest, PathsTakeEitherSlashButNeedADriveAndTheRootStays) {
     fs.remove("C:\\d");
     EXPECT_FALSE(fs.folderExists("C:\\d"));
     EXPECT_EQ(FailureOf([&] { fs.remove("C:\\"); }), 75);
-}
-
-TEST_F(MemoryFileSystemTest, StreamsOutliveTheirFileAndFailFarSeeks) {
     fs.addFile("C:\\gone.txt", "abc");
     auto gone = fs.open("C:\\gone.txt", OpenMode::Read);
     fs.remove("C:\\gone.txt");
@@ -78,14 +75,6 @@ TEST_F(MemoryFileSystemTest, ShortNamesAreNumberedPerFolderAndListsAreSorted) {
     EXPECT_EQ(entries[0].attributes, attr::kHidden);
     EXPECT_EQ(entries[1].name, "mid");
     EXPECT_EQ(entries[2].attributes, attr::kArchive);
-}
-
-TEST_F(MemoryFileSystemTest, DrivesAreScriptedWithTypesAndSpace) {
-    fs.addDrive("E:\\", drivetype::kCdRom);
-    fs.addDrive("D", drivetype::kRemote, 1234);
-    EXPECT_THAT(fs.drives(), ElementsAre("C:\\", "D:\\", "E:\\"));
-    EXPECT_EQ(fs.driveType("E:"), drivetype::kCdRom);
-    EXPECT_EQ(fs.freeSpace("D:\\"), 1234u);
 }
 
 constexpr Hive kLm = Hive::LocalMachine;

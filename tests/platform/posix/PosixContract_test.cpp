@@ -79,7 +79,6 @@ struct PosixProcessesMaker {
             if (GoneFromUs(pid)) return true;
         return false;
     }
-    void pause(int ms) { Pause(ms); }
 
     PosixProcesses procs;
 };

@@ -1,22 +1,16 @@
 // PosixHost_test.cpp: what only the POSIX back-end does: the version it claims, pid order,
 // paths outside its root, the Windows quoting of arguments, named mutexes as lock files across
-// processes, and the back-end installed as the platform under the engine's own helpers.
+// processes.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 
-#include "platform/FileHelper.h"
-#include "platform/Platform.h"
-#include "platform/RegistryHelper.h"
 #include "platform/posix/PosixProcesses.h"
-#include "platform/posix/PosixRegistry.h"
 #include "platform/posix/PosixSystem.h"
-#include "platform/posix/PosixTestFolder.h"
 
 namespace orvex::platform {
 namespace {
@@ -92,27 +86,6 @@ TEST(PosixMutexNames, MapToDistinctSafeFileNames) {
     const std::string longName = MutexLockPath(std::string(300, '\\'));
     EXPECT_LE(std::filesystem::path(longName).filename().string().size(), 255u);
     EXPECT_NE(longName, MutexLockPath(std::string(299, '\\') + "/"));
-}
-
-TEST(HostPlatform, HelpersWorkOnTheRealMachineAndTheRegistryFile) {
-    orvex::testing::PosixTestFolder folder;
-    const std::string file = folder / "registry.json", key = "Software\\Norvani\\Orvex Sentry";
-    ::setenv("ORVEX_REGISTRY", file.c_str(), 1);
-    {
-        auto host = MakeHostPlatform();
-        ScopedPlatform installed(host->view());
-        EXPECT_TRUE(FileHelper().FolderExists("C:\\tmp"));
-        RegistryHelper registry;
-        registry.RootKey(Hive::LocalMachine);
-        registry.KeyPath(key);
-        EXPECT_TRUE(registry.SetValue("LastScan", "11/22/2026 7:14:05 PM"));
-        EXPECT_EQ(Processes().osVersion()->major, 5u);
-    }
-    ::unsetenv("ORVEX_REGISTRY");
-    RegValue v;
-    EXPECT_EQ(PosixRegistry(file).readValue(Hive::LocalMachine, key, "LastScan", v),
-              regstatus::kOk);
-    EXPECT_EQ(v.data, "11/22/2026 7:14:05 PM");
 }
 
 }  // namespace

@@ -1,12 +1,14 @@
-// PosixRegistry_test.cpp: the registry kept in a JSON file: round trip, corrupt files,
-// durable saves.
+// PosixRegistry_test.cpp: the registry kept in a JSON file named by ORVEX_REGISTRY: round
+// trip, corrupt files, durable saves.
 #include "platform/posix/PosixRegistry.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "platform/Platform.h"
 #include "platform/posix/PosixTestFolder.h"
 
 namespace orvex::platform {
@@ -32,7 +34,11 @@ TEST_F(PosixRegistryTest, EveryChangeSurvivesARestartByteForByte) {
         {"Paths", regtype::kMultiSz, std::string("a\0b\0", 4)},
     };
     {
-        PosixRegistry registry(file);
+        // The host platform takes the file from ORVEX_REGISTRY.
+        ::setenv("ORVEX_REGISTRY", file.c_str(), 1);
+        const auto host = MakeHostPlatform();
+        ::unsetenv("ORVEX_REGISTRY");
+        RegistryBackend& registry = *host->view().registry;
         for (const char* key : {"Zeta", "Alpha"})
             ASSERT_EQ(registry.createKey(kLm, kProduct + "\\" + key), regstatus::kOk);
         for (const RegValue& value : values)

@@ -36,8 +36,7 @@ class PosixTestFolder {
     std::string operator/(const std::string& name) const { return path_ + "/" + name; }
 
     void write(const std::string& name, const std::string& bytes) const {
-        std::ofstream out(*this / name, std::ios::binary | std::ios::trunc);
-        out << bytes;
+        std::ofstream(*this / name, std::ios::binary) << bytes;
     }
     std::string read(const std::string& name) const {
         std::ifstream in(*this / name, std::ios::binary);
