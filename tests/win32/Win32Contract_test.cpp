@@ -93,9 +93,6 @@ struct Win32ProcessesMaker {
 
 struct Win32SystemMaker : Win32FilesMaker {
     System& system() { return sys; }
-    void setEnv(const std::string& name, const std::optional<std::string>& value) {
-        SetEnvironmentVariableA(name.c_str(), value ? value->c_str() : nullptr);
-    }
     void pause(int ms) { Sleep(ms); }
     std::string mutexName(const std::string& stem) const {
         return stem + "_" + std::to_string(GetCurrentProcessId());

@@ -50,9 +50,6 @@ struct MemoryProcessesMaker {
 
 struct MemorySystemMaker : MemoryFilesMaker {
     platform::System& system() { return sys; }
-    void setEnv(std::string_view name, std::optional<std::string> value) {
-        sys.setEnvironment(name, std::move(value));
-    }
     void pause(std::uint32_t ms) { sys.advanceTicks(ms); }
     std::string mutexName(const std::string& stem) const { return stem; }
     std::string executable() { return sys.executablePath(); }

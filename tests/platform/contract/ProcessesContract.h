@@ -44,9 +44,7 @@ TYPED_TEST_SUITE_P(ProcessesContract);
 TYPED_TEST_P(ProcessesContract, TheVersionIsNtAndBothListsHoldThisProcess) {
     auto& api = this->api;
     const auto version = api.osVersion();
-    ASSERT_TRUE(version.has_value());
-    EXPECT_EQ(version->platformId, 2u);
-    EXPECT_GE(version->major, 5u);
+    EXPECT_TRUE(version && version->platformId == 2 && version->major >= 5);
     const auto list = api.listWithPaths();
     std::set<std::uint32_t> ids;
     for (const auto& entry : list)

@@ -1,6 +1,6 @@
 // SystemContract.h: what every system back-end does as kernel32, user32 and the profile
-// calls do. The maker gives system(), a files() with a scratch folder(), setEnv(name, value or
-// nullopt), pause(ms), mutexName(stem) (a name of this run only), executable() and usLocale().
+// calls do. The maker gives system(), a files() with a scratch folder(), pause(ms), mutexName(stem)
+// (a name of this run only), executable() and usLocale().
 #pragma once
 
 #include <optional>
@@ -81,24 +81,6 @@ TYPED_TEST_P(SystemContract, IdentityFoldersAndTheTickCount) {
     EXPECT_TRUE(elapsed >= 80 && elapsed < 5000) << elapsed;
 }
 
-TYPED_TEST_P(SystemContract, EnvironmentTellsEmptyFromMissing) {
-    const std::string longValue(5000, 'v');
-    this->maker.setEnv("ORVEX_TEST_EMPTY", "");
-    this->maker.setEnv("ORVEX_TEST_LONG", longValue);
-    EXPECT_EQ(this->sys.environment("ORVEX_TEST_EMPTY"), std::optional<std::string>(""));
-    EXPECT_TRUE(this->sys.environment("ORVEX_TEST_LONG") == longValue);
-    this->maker.setEnv("ORVEX_TEST_LONG", std::nullopt);
-    this->maker.setEnv("ORVEX_TEST_EMPTY", std::nullopt);
-    EXPECT_EQ(this->sys.environment("ORVEX_TEST_LONG"), std::nullopt);
-    EXPECT_EQ(this->sys.environment(""), std::nullopt);
-}
-
-TYPED_TEST_P(SystemContract, EnvironmentNamesIgnoreCase) {
-    this->maker.setEnv("ORVEX_TEST_CASE", "x");
-    EXPECT_EQ(this->sys.environment("orvex_Test_case"), "x");
-    this->maker.setEnv("ORVEX_TEST_CASE", std::nullopt);
-}
-
 TYPED_TEST_P(SystemContract, ProfileStringsAreWrittenToTheFileAndCutToTheCapacity) {
     auto& sys = this->sys;
     const std::string ini = this->maker.folder() + "\\LangSetting.ini";
@@ -118,8 +100,7 @@ TYPED_TEST_P(SystemContract, ProfileStringsAreWrittenToTheFileAndCutToTheCapacit
 REGISTER_TYPED_TEST_SUITE_P(SystemContract, ANamedMutexIsOwnedOnceAndSeenUntilItsLastHandleCloses,
                             MutexNamesAreCaseSensitiveAndUnnamedOnesAreNeverShared,
                             DatesAndTimesInTheUsFormsAndNothingForImpossibleDays,
-                            IdentityFoldersAndTheTickCount, EnvironmentTellsEmptyFromMissing,
-                            EnvironmentNamesIgnoreCase,
+                            IdentityFoldersAndTheTickCount,
                             ProfileStringsAreWrittenToTheFileAndCutToTheCapacity);
 
 }  // namespace orvex::testing

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -87,19 +86,12 @@ struct PosixSystemMaker : PosixFilesMaker {
     static constexpr Difference kDifferences[] = {
         {"ANamedMutexIsOwnedOnceAndSeenUntilItsLastHandleCloses",
          "a lock file is a mutex only while someone owns it"},
-        {"EnvironmentNamesIgnoreCase", "POSIX variable names are case-sensitive"},
     };
     ~PosixSystemMaker() {
         for (const auto& name : names)
             ::unlink(MutexLockPath(name).c_str());
     }
     System& system() { return sys; }
-    void setEnv(const std::string& name, const std::optional<std::string>& value) {
-        if (value)
-            ::setenv(name.c_str(), value->c_str(), 1);
-        else
-            ::unsetenv(name.c_str());
-    }
     void pause(int ms) { Pause(ms); }
     std::string mutexName(const std::string& stem) {
         return names.emplace_back("Global\\" + stem + "_" + std::to_string(::getpid()));

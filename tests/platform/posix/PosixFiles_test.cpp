@@ -28,7 +28,6 @@ TEST(PosixPathMap, DriveCMapsOntoTheRootAndNothingElseDoes) {
         {"/", "C:\\home\\x\\a.txt", "/home/x/a.txt", kBoth},
         {"/", "C:\\", "/", kBoth},
         {"/srv/c/", "C:\\Windows\\System32", "/srv/c/Windows/System32", kBoth},
-        {"/", "c:/home/x/", "/home/x", kToNative},
         {"/", "C:", "/", kToNative},
         {"/", "\\etc\\hosts", "/etc/hosts", kToNative},
         {"/srv/c", "C:\\a\\..\\..\\..\\etc\\passwd", "/srv/c/etc/passwd", kToNative},  // no higher
