@@ -1,7 +1,7 @@
-// Memory_test.cpp: what only the memory back-end does: sorted listings,
-// its 8.3 names, the spelling a replace leaves, creation order and denied keys. Write faults,
-// scripted drives, key timestamps, the clock, processes, shared mutexes, windows and shell
-// calls are scripted by the store, scan and startup tests, which fail when the script breaks.
+// Memory_test.cpp: what only the memory file system does: sorted listings, its 8.3 names and
+// the spelling a replace leaves. The rest of the script (write faults, drives, registry order,
+// DWORD bytes, denied keys and timestamps, the clock, processes, mutexes, windows and shell
+// calls) is asserted through the helper, store, scan and startup tests, which fail when it breaks.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -75,35 +75,6 @@ TEST_F(MemoryFileSystemTest, ShortNamesAreNumberedPerFolderAndListsAreSorted) {
     EXPECT_EQ(entries[0].attributes, attr::kHidden);
     EXPECT_EQ(entries[1].name, "mid");
     EXPECT_EQ(entries[2].attributes, attr::kArchive);
-}
-
-constexpr Hive kLm = Hive::LocalMachine;
-
-TEST(MemoryRegistry, EnumeratesInCreationOrderKeepsDwordsAsBytesAndRefusesEmptyParts) {
-    MemoryRegistry reg;
-    for (const char* name : {"b", "a", "C"})
-        reg.addKey(kLm, std::string("K\\") + name);
-    reg.setString(kLm, "K", "zeta", "4");
-    reg.setDword(kLm, "K", "Alpha", 0x01020304u);
-    EXPECT_THAT(reg.subKeyNames(kLm, "k"), ElementsAre("b", "a", "C"));
-    EXPECT_THAT(reg.valueNames(kLm, "K"), ElementsAre("zeta", "Alpha"));
-    EXPECT_EQ(reg.data(kLm, "K", "Alpha"), std::string("\x04\x03\x02\x01", 4));
-    EXPECT_EQ(reg.dword(kLm, "K", "Alpha"), 0x01020304u);
-    EXPECT_EQ(reg.dword(kLm, "K", "zeta"), std::nullopt);
-    EXPECT_EQ(reg.createKey(kLm, "A\\\\C"), regstatus::kInvalid);
-    EXPECT_FALSE(reg.keyExists(kLm, "A") || reg.keyExists(kLm, "\\K"));
-}
-
-TEST(MemoryRegistry, DeniedKeysRefuseChangesWithStatusFive) {
-    MemoryRegistry reg;
-    reg.setString(kLm, "Locked\\Inner", "v", "1");
-    reg.denyWrites(kLm, "Locked\\Inner");
-    EXPECT_EQ(reg.writeValue(kLm, "Locked\\Inner", RegValue{"w", regtype::kSz, "2"}),
-              regstatus::kAccessDenied);
-    EXPECT_EQ(reg.deleteValue(kLm, "Locked\\Inner", "v"), regstatus::kAccessDenied);
-    EXPECT_EQ(reg.createKey(kLm, "Locked\\Inner\\New"), regstatus::kAccessDenied);
-    EXPECT_EQ(reg.deleteTree(kLm, "Locked"), regstatus::kAccessDenied);
-    EXPECT_EQ(reg.data(kLm, "Locked\\Inner", "v"), "1");
 }
 
 std::string Short(std::string_view name, const std::set<std::string>& taken = {}) {
