@@ -38,7 +38,6 @@ TEST_F(IniFileTest, ReadsIgnoreCaseTrimStayInTheirSectionAndCutToTheCapacity) {
         {"Language", "Empty", "default", ""},
         {"Language", "key", "", "first"},
         {"B", "key", "", "other"},
-        {"Language", "top", "none", "none"},
         {"Language", "late", "none", "none"},
         {"B", "missing", " d ", " d"},
     };
