@@ -12,7 +12,6 @@ namespace {
 using ::testing::ElementsAre;
 
 constexpr Hive kLm = Hive::LocalMachine;
-const std::string kEntries = "System\\Catalog9\\Catalog_Entries";
 
 class RegistryHelperTest : public testing::MemoryPlatformTest {
   protected:
@@ -42,7 +41,7 @@ TEST_F(RegistryHelperTest, TheSelectionIsRead) {
     EXPECT_FALSE(select("Software\\B").KeyExists());
 }
 
-TEST_F(RegistryHelperTest, EnumerationsGiveTheirTextForms) {
+TEST_F(RegistryHelperTest, EnumerationsAndHiveNamesGiveTheirTextForms) {
     registry.setTimestamp("11/22/2026 7:14:05 PM");
     registry.addKey(kLm, "K\\SpyApp");
     registry.setString(kLm, "K", "Run Me", "\"C:\\a b\\x.exe\" /s");
@@ -61,16 +60,10 @@ TEST_F(RegistryHelperTest, EnumerationsGiveTheirTextForms) {
     EXPECT_TRUE(reg.GetValue("Blob", "", true).starts_with("\x0c"));  // bytes read as text
     EXPECT_TRUE(reg.EnumerateKeys(kLm, "Missing").empty() &&
                 reg.EnumerateValues(kLm, "Missing").empty());
-}
-
-TEST_F(RegistryHelperTest, BinaryTextGivesEveryByteWithAClosingComma) {
-    std::string bytes;
-    for (int i = 0; i < 256; ++i)
-        bytes += static_cast<char>(i);
-    const std::string text = RegistryHelper::BinaryText(bytes);
-    EXPECT_TRUE(text.starts_with("0,1,2,") && text.ends_with(",254,255,")) << text;
-    EXPECT_EQ(RegistryHelper::BinaryFromText(text), bytes);
-    EXPECT_EQ(RegistryHelper::BinaryText(""), "");
+    // Performance data has no hive name.
+    EXPECT_EQ(RegistryHelper::HiveName(Hive::LocalMachine), "HKEY_LOCAL_MACHINE");
+    EXPECT_EQ(RegistryHelper::HiveName(Hive::DynData), "HKEY_DYN_DATA");
+    EXPECT_EQ(RegistryHelper::HiveName(Hive::PerformanceData), "");
 }
 
 TEST_F(RegistryHelperTest, SetValueCreatesTheKeyAndConvertsNumbersButNotOnADeniedKey) {
@@ -89,12 +82,6 @@ TEST_F(RegistryHelperTest, SetValueCreatesTheKeyAndConvertsNumbersButNotOnADenie
     registry.denyWrites(kLm, "Policies");
     EXPECT_FALSE(select("Policies").SetValue("x", "1"));
     EXPECT_FALSE(select("Policies\\Sub").SetValue("x", "1"));
-}
-
-TEST_F(RegistryHelperTest, HiveNamesLeavePerformanceDataNameless) {
-    EXPECT_EQ(RegistryHelper::HiveName(Hive::LocalMachine), "HKEY_LOCAL_MACHINE");
-    EXPECT_EQ(RegistryHelper::HiveName(Hive::DynData), "HKEY_DYN_DATA");
-    EXPECT_EQ(RegistryHelper::HiveName(Hive::PerformanceData), "");
 }
 
 TEST(RegistryHelperWithoutPlatform, FailsWithNinetyOne) {

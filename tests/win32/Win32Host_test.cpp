@@ -1,12 +1,11 @@
 // Win32Host_test.cpp: what only the Win32 back-end shows: the terminators of stored
 // registry texts, the machine's own keys, the version each Wine prefix reports, the Toolhelp
-// snapshot order, real folders and real top-level windows that take a close.
+// snapshot order and real folders.
 #include <gtest/gtest.h>
 #include <windows.h>
 // After windows.h, which it builds on.
 #include <tlhelp32.h>
 
-#include <algorithm>
 #include <regex>
 
 #include "platform/win32/Win32Processes.h"
@@ -97,31 +96,8 @@ TEST(Win32Processes, DefaultPrefixReportsVistaOrLaterAndListsInToolhelpOrder) {
     EXPECT_EQ(names.front(), first.szExeFile);
 }
 
-TEST(Win32System, TheSystemFolderIsThereAndTopLevelWindowsTakeAClose) {
-    Win32System system;
-    EXPECT_NE(GetFileAttributesA(system.systemFolder().c_str()), INVALID_FILE_ATTRIBUTES);
-    WNDCLASSA windowClass{};
-    windowClass.lpfnWndProc = DefWindowProcA;  // destroys the window on a close
-    windowClass.hInstance = GetModuleHandleA(nullptr);
-    windowClass.lpszClassName = "OrvexSentryTestWindow";
-    RegisterClassA(&windowClass);
-    HWND window = CreateWindowExA(0, windowClass.lpszClassName, "Orvex Sentry test window",
-                                  WS_OVERLAPPEDWINDOW, 0, 0, 100, 100, nullptr, nullptr,
-                                  windowClass.hInstance, nullptr);
-    if (window == nullptr) GTEST_SKIP() << "no window station for windows";
-    std::vector<TopWindow> windows = system.topLevelWindows();
-    auto found = std::find_if(windows.begin(), windows.end(), [&](const TopWindow& w) {
-        return w.handle == reinterpret_cast<std::uintptr_t>(window);
-    });
-    ASSERT_NE(found, windows.end());
-    EXPECT_EQ(found->title, "Orvex Sentry test window");
-    EXPECT_EQ(found->pid, GetCurrentProcessId());
-    EXPECT_TRUE(system.postClose(found->handle));
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
-        DispatchMessageA(&message);
-    EXPECT_FALSE(IsWindow(window));
-    EXPECT_FALSE(system.postClose(reinterpret_cast<std::uintptr_t>(window)));
+TEST(Win32System, TheSystemFolderIsThere) {
+    EXPECT_NE(GetFileAttributesA(Win32System().systemFolder().c_str()), INVALID_FILE_ATTRIBUTES);
 }
 
 }  // namespace
