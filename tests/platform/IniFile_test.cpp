@@ -34,7 +34,6 @@ TEST_F(IniFileTest, ReadsIgnoreCaseTrimStayInTheirSectionAndCutToTheCapacity) {
     const std::array<const char*, 4> cases[] = {
         {"language", "CURRENTLANGUAGE", "", "English"},
         {"Language", "Quoted", "", "  spaced  "},
-        {"Language", "Half", "", "\"open"},
         {"Language", "Empty", "default", ""},
         {"Language", "key", "", "first"},
         {"B", "key", "", "other"},

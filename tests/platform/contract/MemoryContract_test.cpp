@@ -36,10 +36,7 @@ struct MemoryProcessesMaker {
         {"AStartedProgramIsListedAndEndedByTerminate", "starts are only recorded"},
         {"NothingToEndOrStartFails", "starts are only recorded, whatever the path"},
     };
-    MemoryProcessesMaker() {
-        procs.addProcess("C:\\WINDOWS\\explorer.exe");
-        procs.addProcess(selfImage(), "", procs.currentProcessId());
-    }
+    MemoryProcessesMaker() { procs.addProcess(selfImage(), "", procs.currentProcessId()); }
     platform::ProcessApi& processes() { return procs; }
     std::string selfImage() const { return "C:\\Orvex\\OrvexSentry.exe"; }
     ChildProgram child() { return {}; }

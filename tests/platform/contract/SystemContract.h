@@ -3,7 +3,6 @@
 // (a name of this run only), executable() and usLocale().
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "platform/System.h"

@@ -35,8 +35,7 @@ struct PosixFilesMaker {
     static constexpr Difference kDifferences[] = {
         {"FilesHeldOpenElsewhereRefuseWithSeventy", "POSIX has no mandatory file locks"},
         {"AFileHeldOpenElsewhereIsNotReplaced", "POSIX has no mandatory file locks"},
-        {"NamesAndAttributesFollowWindows",
-         "names are case-sensitive, may end in dots, hide by a leading dot, have no 8.3 forms"},
+        {"NamesFollowWindows", "names are case-sensitive, may end in dots, have no 8.3 forms"},
     };
     PosixFilesMaker() { tmp.makeFolder("Scratch"); }
     FileSystem& files() { return fs; }
