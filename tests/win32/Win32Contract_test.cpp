@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <filesystem>
+
 #include "platform/contract/FilesContract.h"
 #include "platform/contract/ProcessesContract.h"
 #include "platform/contract/RegistryContract.h"
@@ -19,28 +21,11 @@ namespace {
 using namespace platform;
 using namespace platform::win32;
 
-std::string TempPath(const std::string& stem) {
-    char temp[MAX_PATH + 1];
-    GetTempPathA(sizeof temp, temp);
-    return std::string(temp) + stem + std::to_string(GetCurrentProcessId());
-}
-
 void RemoveAll(const std::string& path) {
-    WIN32_FIND_DATAA found;
-    HANDLE search = FindFirstFileA((path + "\\*").c_str(), &found);
-    if (search != INVALID_HANDLE_VALUE) {
-        do {
-            const std::string name = found.cFileName, child = path + "\\" + name;
-            if (name == "." || name == "..") continue;
-            SetFileAttributesA(child.c_str(), FILE_ATTRIBUTE_NORMAL);
-            if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
-                RemoveAll(child);
-            else
-                DeleteFileA(child.c_str());
-        } while (FindNextFileA(search, &found));
-        FindClose(search);
-    }
-    RemoveDirectoryA(path.c_str());
+    std::error_code ignored;
+    for (const auto& e : std::filesystem::recursive_directory_iterator(path, ignored))
+        SetFileAttributesA(e.path().string().c_str(), FILE_ATTRIBUTE_NORMAL);
+    std::filesystem::remove_all(path, ignored);
 }
 
 struct Win32FilesMaker {
@@ -70,7 +55,9 @@ struct Win32FilesMaker {
     }
 
     Win32Files fs;
-    std::string dir = TempPath("OrvexContract");
+    std::string dir = (std::filesystem::temp_directory_path() /
+                       ("OrvexContract" + std::to_string(GetCurrentProcessId())))
+                          .string();
     HANDLE held = INVALID_HANDLE_VALUE;
 };
 
@@ -100,16 +87,12 @@ struct Win32ProcessesMaker {
         CloseHandle(watch);
         return gone;
     }
-    void pause(int ms) { Sleep(ms); }
 
     Win32Processes procs;
 };
 
 struct Win32SystemMaker : Win32FilesMaker {
     System& system() { return sys; }
-    void setEnv(const std::string& name, const std::optional<std::string>& value) {
-        SetEnvironmentVariableA(name.c_str(), value ? value->c_str() : nullptr);
-    }
     void pause(int ms) { Sleep(ms); }
     std::string mutexName(const std::string& stem) const {
         return stem + "_" + std::to_string(GetCurrentProcessId());

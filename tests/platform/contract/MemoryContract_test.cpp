@@ -36,27 +36,17 @@ struct MemoryProcessesMaker {
         {"AStartedProgramIsListedAndEndedByTerminate", "starts are only recorded"},
         {"NothingToEndOrStartFails", "starts are only recorded, whatever the path"},
     };
-    MemoryProcessesMaker() {
-        procs.addProcess("C:\\WINDOWS\\explorer.exe");
-        procs.addProcess(selfImage(), "", procs.currentProcessId());
-    }
+    MemoryProcessesMaker() { procs.addProcess(selfImage(), "", procs.currentProcessId()); }
     platform::ProcessApi& processes() { return procs; }
     std::string selfImage() const { return "C:\\Orvex\\OrvexSentry.exe"; }
     ChildProgram child() { return {}; }
     bool ended(std::uint32_t) { return false; }
-    void pause(int) {}
 
     MemoryProcesses procs;
 };
 
 struct MemorySystemMaker : MemoryFilesMaker {
-    static constexpr Difference kDifferences[] = {
-        {"ScreenShellAndWindowsAnswerSensibly", "shell calls are only recorded"},
-    };
     platform::System& system() { return sys; }
-    void setEnv(std::string_view name, std::optional<std::string> value) {
-        sys.setEnvironment(name, std::move(value));
-    }
     void pause(std::uint32_t ms) { sys.advanceTicks(ms); }
     std::string mutexName(const std::string& stem) const { return stem; }
     std::string executable() { return sys.executablePath(); }

@@ -4,11 +4,12 @@
 // a while for a terminated child to be gone).
 #pragma once
 
-#include <algorithm>
 #include <cctype>
+#include <chrono>
 #include <climits>
 #include <set>
 #include <string>
+#include <thread>
 
 #include "platform/Processes.h"
 #include "platform/contract/Contract.h"
@@ -40,30 +41,20 @@ class ProcessesContract : public ContractTest<Maker> {
 
 TYPED_TEST_SUITE_P(ProcessesContract);
 
-TYPED_TEST_P(ProcessesContract, TheVersionIsOfTheNtFamily) {
-    const auto version = this->api.osVersion();
-    ASSERT_TRUE(version.has_value());
-    EXPECT_EQ(version->platformId, 2u);
-    EXPECT_GE(version->major, 5u);
-}
-
-TYPED_TEST_P(ProcessesContract, BothListsHoldThisProcess) {
+TYPED_TEST_P(ProcessesContract, TheVersionIsNtAndBothListsHoldThisProcess) {
     auto& api = this->api;
-    const auto list = api.listWithPaths();
-    std::set<std::uint32_t> ids;
-    for (const auto& entry : list)
-        ids.insert(entry.pid);
-    EXPECT_EQ(ids.size(), list.size());
+    const auto version = api.osVersion();
+    EXPECT_TRUE(version && version->platformId == 2 && version->major >= 5);
     EXPECT_TRUE(this->running(this->maker.selfImage()).count(api.currentProcessId()));
-    const std::string self = this->maker.selfImage();
-    const std::string base = Lower(self.substr(self.rfind('\\') + 1));
-    const auto names = api.listImageNames();
-    EXPECT_NE(std::find_if(
-                  names.begin(), names.end(),
-                  [&](const std::string& n) { return Lower(n.substr(n.rfind('\\') + 1)) == base; }),
-              names.end());
-    for (const std::string& name : names)
+    const auto leaf = [](const std::string& path) {
+        return Lower(path.substr(path.rfind('\\') + 1));
+    };
+    bool selfNamed = false;
+    for (const std::string& name : api.listImageNames()) {
         EXPECT_TRUE(!name.empty() && name.find('\0') == std::string::npos) << name;
+        selfNamed |= leaf(name) == leaf(this->maker.selfImage());
+    }
+    EXPECT_TRUE(selfNamed);
 }
 
 TYPED_TEST_P(ProcessesContract, AStartedProgramIsListedAndEndedByTerminate) {
@@ -74,7 +65,7 @@ TYPED_TEST_P(ProcessesContract, AStartedProgramIsListedAndEndedByTerminate) {
     for (int wait = 0; wait < 200 && started.empty(); ++wait) {
         for (std::uint32_t pid : this->running(child.image))
             if (!before.count(pid)) started.insert(pid);
-        if (started.empty()) this->maker.pause(25);
+        if (started.empty()) std::this_thread::sleep_for(std::chrono::milliseconds(25));
     }
     ASSERT_EQ(started.size(), 1u);
     EXPECT_TRUE(this->api.terminate(*started.begin()));
@@ -86,10 +77,9 @@ TYPED_TEST_P(ProcessesContract, NothingToEndOrStartFails) {
          {0u, 0xFFFFFFF0u, UINT32_MAX, static_cast<std::uint32_t>(INT_MAX) + 1u})
         EXPECT_FALSE(this->api.terminate(pid)) << pid;
     EXPECT_FALSE(this->api.start("C:\\no such folder\\none.exe", "", true));
-    EXPECT_FALSE(this->api.start("Q:\\elsewhere.exe", "", true));
 }
 
-REGISTER_TYPED_TEST_SUITE_P(ProcessesContract, TheVersionIsOfTheNtFamily, BothListsHoldThisProcess,
+REGISTER_TYPED_TEST_SUITE_P(ProcessesContract, TheVersionIsNtAndBothListsHoldThisProcess,
                             AStartedProgramIsListedAndEndedByTerminate, NothingToEndOrStartFails);
 
 }  // namespace orvex::testing

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -36,10 +35,7 @@ struct PosixFilesMaker {
     static constexpr Difference kDifferences[] = {
         {"FilesHeldOpenElsewhereRefuseWithSeventy", "POSIX has no mandatory file locks"},
         {"AFileHeldOpenElsewhereIsNotReplaced", "POSIX has no mandatory file locks"},
-        {"NamesIgnoreCaseAndKeepTheirSpelling", "POSIX names are case-sensitive"},
-        {"LongNamesHaveShortNamesThatLeadBack", "POSIX file systems have no 8.3 names"},
-        {"HiddenAttributeIsSetClearedAndCopied", "hidden means a name starting with a dot"},
-        {"TrailingDotsGoAndClosingBackslashesMeanFolders", "POSIX names may end in dots"},
+        {"NamesFollowWindows", "names are case-sensitive, may end in dots, have no 8.3 forms"},
     };
     PosixFilesMaker() { tmp.makeFolder("Scratch"); }
     FileSystem& files() { return fs; }
@@ -81,7 +77,6 @@ struct PosixProcessesMaker {
             if (GoneFromUs(pid)) return true;
         return false;
     }
-    void pause(int ms) { Pause(ms); }
 
     PosixProcesses procs;
 };
@@ -90,19 +85,12 @@ struct PosixSystemMaker : PosixFilesMaker {
     static constexpr Difference kDifferences[] = {
         {"ANamedMutexIsOwnedOnceAndSeenUntilItsLastHandleCloses",
          "a lock file is a mutex only while someone owns it"},
-        {"EnvironmentNamesIgnoreCase", "POSIX variable names are case-sensitive"},
     };
     ~PosixSystemMaker() {
         for (const auto& name : names)
             ::unlink(MutexLockPath(name).c_str());
     }
     System& system() { return sys; }
-    void setEnv(const std::string& name, const std::optional<std::string>& value) {
-        if (value)
-            ::setenv(name.c_str(), value->c_str(), 1);
-        else
-            ::unsetenv(name.c_str());
-    }
     void pause(int ms) { Pause(ms); }
     std::string mutexName(const std::string& stem) {
         return names.emplace_back("Global\\" + stem + "_" + std::to_string(::getpid()));

@@ -24,10 +24,9 @@ class PosixTestFolder {
     }
     ~PosixTestFolder() {
         std::error_code ignored;
-        // Tests take write permission away; give it back so that everything can go.
-        for (auto& e : std::filesystem::recursive_directory_iterator(path_, ignored)) {
+        // Tests take permissions away; give them back so that everything can go.
+        for (auto& e : std::filesystem::recursive_directory_iterator(path_, ignored))
             if (!e.is_symlink()) ::chmod(e.path().c_str(), 0700);
-        }
         std::filesystem::remove_all(path_, ignored);
     }
     PosixTestFolder(const PosixTestFolder&) = delete;
@@ -37,8 +36,7 @@ class PosixTestFolder {
     std::string operator/(const std::string& name) const { return path_ + "/" + name; }
 
     void write(const std::string& name, const std::string& bytes) const {
-        std::ofstream out(*this / name, std::ios::binary | std::ios::trunc);
-        out << bytes;
+        std::ofstream(*this / name, std::ios::binary) << bytes;
     }
     std::string read(const std::string& name) const {
         std::ifstream in(*this / name, std::ios::binary);
