@@ -79,10 +79,13 @@ int FromFixedTable(const std::string& key) {
 
 std::string MessageText(int number, const std::string& description, int line,
                         const std::string& module, const std::string& procedure) {
-    std::string text = "Error [ " + std::to_string(number) + " ]:  " + description;
-    text += "\r\n\r\nLocation:  Procedure ( " + procedure + " )" + " - Module ( " + module + " )";
-    if (line != 0) text += "\r\n\r\nLine number:  " + std::to_string(line);
-    text += kCrLf;
+    std::string text;
+    text.reserve(96 + description.size() + module.size() + procedure.size());
+    text.append("Error [ ").append(std::to_string(number)).append(" ]:  ").append(description);
+    text.append("\r\n\r\nLocation:  Procedure ( ").append(procedure);
+    text.append(" ) - Module ( ").append(module).append(" )");
+    if (line != 0) text.append("\r\n\r\nLine number:  ").append(std::to_string(line));
+    text.append(kCrLf);
     return text;
 }
 
@@ -95,7 +98,7 @@ void ReplaceAll(std::string& text, std::string_view from, std::string_view to) {
 // The log's lines stand closer together than the message's: double line ends go, twice
 // over, and the last line end goes so that the outcome follows on the same line.
 std::string CompactMessage(std::string message) {
-    const std::string doubled = std::string(kCrLf) + std::string(kCrLf);
+    constexpr std::string_view doubled = "\r\n\r\n";
     ReplaceAll(message, doubled, kCrLf);
     ReplaceAll(message, doubled, kCrLf);
     if (message.ends_with(kCrLf)) message.resize(message.size() - kCrLf.size());
@@ -117,15 +120,19 @@ std::string UserNameText() {
 }
 
 std::string EntryText(const std::string& message, Outcome outcome) {
-    const std::string blanks5(5, ' ');
+    constexpr std::string_view kBlanks5 = "     ";
     std::string entry = CompactMessage(message);
-    entry += std::string(20, ' ') + "Outcome: " + OutcomeName(outcome) + "\r\n";
-    entry += "Date-Time: " + Format(Now(), "mm/dd/yy hh:nn:ss") + blanks5 +
-             "Workstation: " + ComputerNameText() + blanks5 + "User: " + UserNameText();
-    entry += "\r\n\r\nVersion: " +
-             ErrorLogVersionText(ORVEX_VERSION_MAJOR, ORVEX_VERSION_MINOR, ORVEX_VERSION_REVISION) +
-             ", Definition Date: " + App().DefinitionDate;
-    entry += "\r\n\r\n---------------------------------------";
+    entry.reserve(entry.size() + 256);
+    entry.append(20, ' ').append("Outcome: ").append(OutcomeName(outcome)).append(kCrLf);
+    entry.append("Date-Time: ").append(Format(Now(), "mm/dd/yy hh:nn:ss")).append(kBlanks5);
+    entry.append("Workstation: ").append(ComputerNameText()).append(kBlanks5);
+    entry.append("User: ").append(UserNameText());
+    entry.append("\r\n\r\nVersion: ")
+        .append(
+            ErrorLogVersionText(ORVEX_VERSION_MAJOR, ORVEX_VERSION_MINOR, ORVEX_VERSION_REVISION))
+        .append(", Definition Date: ")
+        .append(App().DefinitionDate);
+    entry.append("\r\n\r\n---------------------------------------");
     return entry;
 }
 

@@ -81,13 +81,17 @@ class Procedure {
             } catch (const std::bad_alloc&) {
                 outcome = Handle(failure::kOutOfMemory, StandardDescription(7), line);
             }
-            if (outcome == Outcome::Resume) {
-                if (attempt < kRetryLimit) continue;
-                return false;
-            }
-            if (outcome == Outcome::ResumeNext || outcome == Outcome::ExitProject) return false;
-            throw LeaveProcedure{};
+            if (!RetryAfter(outcome, attempt)) return false;
         }
+    }
+
+    // What Step does for a statement that is known to fail with this number, without
+    // throwing: for hot loops over foreign data, where an exception per byte would cost
+    // more than the work. Always false.
+    bool Fail(int number, int line = 0) {
+        for (int attempt = 1;; ++attempt)
+            if (!RetryAfter(Handle(number, StandardDescription(number), line), attempt))
+                return false;
     }
 
     // Runs the body of the procedure. A failure outside any Step is logged and leaves the
@@ -108,6 +112,14 @@ class Procedure {
     const std::string& name() const { return name_; }
 
   private:
+    // True to run the statement again; false to go on with the next one; leaves the
+    // procedure for the other outcomes.
+    static bool RetryAfter(Outcome outcome, int attempt) {
+        if (outcome == Outcome::Resume) return attempt < kRetryLimit;
+        if (outcome == Outcome::ResumeNext || outcome == Outcome::ExitProject) return false;
+        throw LeaveProcedure{};
+    }
+
     Outcome Handle(int number, const std::string& description, int line) {
         return ErrorHandler(number, description, line, module_, name_, lists_);
     }

@@ -88,9 +88,9 @@ void TextFile::Close() {
 
 bool TextFile::fill() {
     flushWrites();
-    // Sized once: resizing per read would zero 64 KB each time, even at the end of the file.
-    if (buffer_.size() < kReadChunk) buffer_.resize(kReadChunk);
-    bufferEnd_ = stream().read(buffer_.data(), kReadChunk);
+    // Allocated once and never zeroed: most files read are far smaller than the chunk.
+    if (!buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(kReadChunk);
+    bufferEnd_ = stream().read(buffer_.get(), kReadChunk);
     bufferPos_ = 0;
     return bufferEnd_ > 0;
 }
@@ -125,7 +125,7 @@ std::string TextFile::LineInput() {
     requireReadable();
     std::string line;
     while (bufferPos_ < bufferEnd_ || fill()) {
-        const char* start = buffer_.data() + bufferPos_;
+        const char* start = buffer_.get() + bufferPos_;
         const std::size_t available = bufferEnd_ - bufferPos_;
         const void* cr = std::memchr(start, '\r', available);
         if (cr == nullptr) {

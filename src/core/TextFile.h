@@ -63,7 +63,7 @@ class TextFile {
 
     std::unique_ptr<platform::FileStream> stream_;
     Mode mode_ = Mode::Input;
-    std::string buffer_;  // read-ahead bytes, up to bufferEnd_
+    std::unique_ptr<char[]> buffer_;  // read-ahead bytes, up to bufferEnd_
     std::size_t bufferEnd_ = 0;
     std::size_t bufferPos_ = 0;
     std::string pending_;  // written bytes not yet handed to the stream

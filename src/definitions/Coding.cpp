@@ -16,16 +16,13 @@ constexpr int kFirstPrintable = 59;  // ";", the lowest character Stretch writes
 // Lines longer than this take their key stream straight from the generator.
 constexpr std::size_t kMaxCachedStream = 8192;
 
-// Chr of a computed value: failure 5 outside 0..255.
-char ChrByte(int value) {
-    if (value < 0 || value > 255) Raise(failure::kInvalidCall);
-    return static_cast<char>(value);
-}
-
-// The statement output[i] = Chr(value) under the procedure's handler; kept out of the hot
-// loop, which only gets here for text the cipher did not make.
+// The statement output[i] = Chr(value) under the procedure's handler (failure 5 outside
+// 0..255); kept out of the hot loop, which only gets here for text the cipher did not make.
 [[gnu::cold]] void StoreChr(Procedure& proc, char& out, int value) {
-    proc.Step([&] { out = ChrByte(value); });
+    if (value < 0 || value > 255)
+        proc.Fail(failure::kInvalidCall);
+    else
+        out = static_cast<char>(value);
 }
 
 inline void Store(Procedure& proc, char& out, int value) {

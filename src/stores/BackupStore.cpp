@@ -26,12 +26,6 @@ std::string OrCaret(const std::string& field) {
     return field.empty() ? kEmptyField : field;
 }
 
-// Piece `index` of a split line; failure 9 past the last piece, as an array read was.
-const std::string& Piece(const std::vector<std::string>& pieces, std::size_t index) {
-    if (index >= pieces.size()) Raise(failure::kSubscript);
-    return pieces[index];
-}
-
 const std::string& SubItem(const ui::ListItem& row, std::size_t column) {
     static const std::string kEmpty;
     return column >= 1 && column <= row.SubItems.size() ? row.SubItems[column - 1] : kEmpty;
@@ -61,9 +55,13 @@ std::size_t BackupFolderFileCount() {
 BackupRecord RecordOfLine(Procedure& proc, const std::vector<std::string>& f) {
     BackupRecord r;
     // A line of 5 or 6 fields still makes a record; each missing field is a failure of
-    // its own, and the record keeps the fields that were there.
+    // its own (9, as the array read past its end was), and the record keeps the fields
+    // that were there.
     const auto take = [&](std::string& into, std::size_t index) {
-        proc.Step([&] { into = Piece(f, index); });
+        if (index < f.size())
+            into = f[index];
+        else
+            proc.Fail(failure::kSubscript);
     };
     take(r.BackupDate, 1);
     take(r.BackupKind, 0);

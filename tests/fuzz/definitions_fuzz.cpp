@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace orvex::fuzz;
-    FreshInput().addFile(kFolder + "\\ovsdef.dat", Bytes(data, size));
+    FreshInput().addFile(kFolder + "\\ovsdef.dat", WithFewFailures(Bytes(data, size)));
     orvex::App().SystemFolder = "C:\\WINDOWS\\system32";
     orvex::App().WindowsFolder = "C:\\WINDOWS";
     g_limit = 16 * size + 64 * 1024;
