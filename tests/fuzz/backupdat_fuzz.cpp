@@ -17,7 +17,7 @@ class Holder : public orvex::ui::Form {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace orvex::fuzz;
-    FreshInput().addFile(kFolder + "\\Backup.Dat", FirstLines(Bytes(data, size), 16));
+    FreshInput().addFile(kFolder + "\\Backup.Dat", FirstLines(Bytes(data, size), 8));
 
     orvex::LoadBackupDat();
     Holder& holder = orvex::ui::TheForm<Holder>();
