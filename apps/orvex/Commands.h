@@ -4,10 +4,15 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/ScanRunner.h"
 
 namespace orvex::cli {
 
-// Exit codes: 0 clean, 1 threats found, 2 error.
+// Exit codes: 0 clean, 1 threats found (and, for clean, all removed), 2 error, 3 something
+// remains or needs a restart.
 inline constexpr int kExitClean = 0;
 inline constexpr int kExitThreats = 1;
 inline constexpr int kExitError = 2;
@@ -31,6 +36,22 @@ struct ScanOptions {
     bool json = false;
 };
 
+struct BackupsOptions {
+    std::string appDir;
+    std::vector<std::string> threats;
+    bool all = false;
+    bool json = false;
+};
+
+// Shared by the commands that scan.
+bool StdoutIsTerminal();
+// The terminal's progress line of a scan.
+void ShowScanProgress(std::string_view stage, std::int32_t items);
+// Fills the request's folders from the options; false with a message on a bad one.
+bool FillScanRequest(const ScanOptions& options, HeadlessScanRequest& request);
+// Why the scan did not start and what to do, naming the folders as the user gave them.
+std::string ScanProblemMessage(const ScanOptions& options, const HeadlessScanResult& result);
+
 int PrintVersion();
 // orvex defs compile|dump: definition files for their authors.
 int CompileDefinitions(const DefsCompileOptions& options);
@@ -39,5 +60,11 @@ int DumpDefinitions(const DefsDumpOptions& options);
 int ShowLog(const LogShowOptions& options);
 // orvex scan: the whole scan without windows.
 int Scan(const ScanOptions& options);
+// orvex clean: the scan, then the removal of everything it found, with backups.
+int Clean(const ScanOptions& options);
+// orvex backups list|restore|delete: the restore window's list and buttons.
+int ListBackupsCommand(const BackupsOptions& options);
+int RestoreBackups(const BackupsOptions& options);
+int DeleteBackups(const BackupsOptions& options);
 
 }  // namespace orvex::cli

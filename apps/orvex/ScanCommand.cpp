@@ -26,6 +26,8 @@ constexpr char kSeparator = '\\';
 constexpr char kSeparator = '/';
 #endif
 
+}  // namespace
+
 bool StdoutIsTerminal() {
 #ifdef _WIN32
     return _isatty(_fileno(stdout)) != 0;
@@ -34,10 +36,12 @@ bool StdoutIsTerminal() {
 #endif
 }
 
-void ShowProgress(std::string_view stage, std::int32_t items) {
+void ShowScanProgress(std::string_view stage, std::int32_t items) {
     std::cout << "\rScanning " << (stage.empty() ? "..." : stage) << ": " << items
               << " items scanned   " << std::flush;
 }
+
+namespace {
 
 nlohmann::json FindingsJson(const HeadlessScanResult& result) {
     nlohmann::json rows = nlohmann::json::array();
@@ -51,8 +55,9 @@ nlohmann::json FindingsJson(const HeadlessScanResult& result) {
     return {{"findings", rows}, {"threats", result.threats}, {"itemsScanned", result.itemsScanned}};
 }
 
-// Fills the request's folders from the options; false with a message on a bad one.
-bool FillRequest(const ScanOptions& o, HeadlessScanRequest& request) {
+}  // namespace
+
+bool FillScanRequest(const ScanOptions& o, HeadlessScanRequest& request) {
     struct Folder {
         const char* option;
         const std::string& typed;
@@ -76,6 +81,8 @@ bool FillRequest(const ScanOptions& o, HeadlessScanRequest& request) {
     return true;
 }
 
+namespace {
+
 // `folder` as typed, joined with `file` in the same path form.
 std::string Joined(std::string folder, const std::string& file) {
     while (folder.size() > 1 && (folder.back() == '/' || folder.back() == '\\'))
@@ -91,8 +98,9 @@ std::string DataFolderNamed(const ScanOptions& o, const HeadlessScanResult& resu
     return "the registry's DataPath " + registered;
 }
 
-// Why the scan did not start and what to do, naming the folders as the user gave them.
-std::string ProblemMessage(const ScanOptions& o, const HeadlessScanResult& result) {
+}  // namespace
+
+std::string ScanProblemMessage(const ScanOptions& o, const HeadlessScanResult& result) {
     const std::string data = DataFolderNamed(o, result);
     const std::string dataHint = "; give the folder holding ovsdef.dat with --data DIR";
     switch (result.problem) {
@@ -126,6 +134,8 @@ std::string ProblemMessage(const ScanOptions& o, const HeadlessScanResult& resul
     return "the scan did not start";
 }
 
+namespace {
+
 void PrintFindings(const HeadlessScanResult& result, bool json) {
     if (json) {
         std::cout << FindingsJson(result).dump(2, ' ', false,
@@ -141,13 +151,13 @@ void PrintFindings(const HeadlessScanResult& result, bool json) {
 
 int Scan(const ScanOptions& o) {
     HeadlessScanRequest request;
-    if (!FillRequest(o, request)) return kExitError;
+    if (!FillScanRequest(o, request)) return kExitError;
     const bool terminal = StdoutIsTerminal();
-    if (terminal) request.progress = ShowProgress;
+    if (terminal) request.progress = ShowScanProgress;
     const HeadlessScanResult result = RunHeadlessScan(request);
     if (terminal) std::cout << "\r" << std::string(60, ' ') << "\r" << std::flush;
     if (result.problem != ScanProblem::kNone) {
-        std::cerr << "orvex: " << ProblemMessage(o, result) << "\n";
+        std::cerr << "orvex: " << ScanProblemMessage(o, result) << "\n";
         return kExitError;
     }
     PrintFindings(result, o.json);

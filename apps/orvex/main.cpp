@@ -18,6 +18,8 @@ struct CommandLine {
     DefsDumpOptions dump;
     LogShowOptions log;
     ScanOptions scan;
+    ScanOptions clean;
+    BackupsOptions backups;
     int exitCode = kExitClean;
 };
 
@@ -53,15 +55,7 @@ void AddLogCommands(CLI::App& app, CommandLine& line) {
     show->callback([&line] { line.exitCode = ShowLog(line.log); });
 }
 
-void AddScanCommand(CLI::App& app, CommandLine& line) {
-    auto* scan = app.add_subcommand(
-        "scan",
-        "Run the whole scan (processes, registry, drives) without windows and print what it "
-        "found. Exit code 0: nothing found, 1: threats found, 2: error. Nothing is removed, "
-        "and questions the scan would ask are answered No. Logged.txt and Exclude.dat are "
-        "those of the program's folder: the folder of this executable unless --app-dir "
-        "names another.");
-    ScanOptions& o = line.scan;
+void AddScanOptions(CLI::App* scan, ScanOptions& o) {
     scan->add_option("--data", o.data,
                      "definition folder (ovsdef.dat, ovsstatic.dat); default: the registry's "
                      "DataPath, as the program reads it");
@@ -70,10 +64,64 @@ void AddScanCommand(CLI::App& app, CommandLine& line) {
                      "the program's folder: Logged.txt is written there, Exclude.dat and the "
                      "language file are read there, and it is never scanned (default: the "
                      "folder of this executable)");
-    scan->add_flag("--json", o.json,
+}
+
+void AddScanCommand(CLI::App& app, CommandLine& line) {
+    auto* scan = app.add_subcommand(
+        "scan",
+        "Run the whole scan (processes, registry, drives) without windows and print what it "
+        "found. Exit code 0: nothing found, 1: threats found, 2: error. Nothing is removed, "
+        "and questions the scan would ask are answered No. Logged.txt and Exclude.dat are "
+        "those of the program's folder: the folder of this executable unless --app-dir "
+        "names another.");
+    AddScanOptions(scan, line.scan);
+    scan->add_flag("--json", line.scan.json,
                    "print {\"findings\": [{name, category, level, location, item}], "
                    "\"threats\": n, \"itemsScanned\": n}");
     scan->callback([&line] { line.exitCode = Scan(line.scan); });
+}
+
+void AddCleanCommand(CLI::App& app, CommandLine& line) {
+    auto* clean = app.add_subcommand(
+        "clean",
+        "Run the same scan as `scan`, then remove everything it found as the results page's "
+        "remove button does: the Winsock catalog first, running processes, then each item "
+        "after a backup into the program folder's Backup folder (`orvex backups` puts them "
+        "back). Exit code 0: nothing found, 1: all removed, 3: something remains or needs a "
+        "restart, 2: error.");
+    AddScanOptions(clean, line.clean);
+    clean->add_flag("--json", line.clean.json,
+                    "print {\"findings\": [{name, category, level, location, item, outcome}], "
+                    "\"threats\": n, \"restartNeeded\": bool}");
+    clean->callback([&line] { line.exitCode = Clean(line.clean); });
+}
+
+void AddBackupsCommands(CLI::App& app, CommandLine& line) {
+    auto* backups = app.add_subcommand("backups", "The backups that removals made");
+    backups->require_subcommand(1);
+    BackupsOptions& o = line.backups;
+    const auto appDir = [&o](CLI::App* command) {
+        command->add_option("--app-dir", o.appDir,
+                            "the program's folder, holding Backup.Dat (default: the folder of "
+                            "this executable)");
+    };
+    auto* list = backups->add_subcommand("list", "Print the backups of Backup.Dat");
+    appDir(list);
+    list->add_flag("--json", o.json,
+                   "print {\"backups\": [{date, kind, oldLocation, oldName, newLocation, "
+                   "newName, threat}]}");
+    list->callback([&line] { line.exitCode = ListBackupsCommand(line.backups); });
+    const auto action = [&](const char* name, const char* help, int (*run)(const BackupsOptions&)) {
+        auto* command = backups->add_subcommand(name, help);
+        appDir(command);
+        command->add_option("THREAT", o.threats, "threat names, in any case");
+        command->add_flag("--all", o.all, "every threat");
+        command->callback([&line, run] { line.exitCode = run(line.backups); });
+    };
+    action("restore", "Put the items of these threats back, as the restore button does",
+           RestoreBackups);
+    action("delete", "Throw the backups of these threats away, as the delete button does",
+           DeleteBackups);
 }
 
 }  // namespace
@@ -81,7 +129,9 @@ void AddScanCommand(CLI::App& app, CommandLine& line) {
 
 int main(int argc, char** argv) {
     using namespace orvex::cli;
-    CLI::App app{"Orvex Sentry command line: scans, definitions and logs without windows."};
+    CLI::App app{
+        "Orvex Sentry command line: scans, removals, backups, definitions and logs without "
+        "windows."};
     // Paths like "/work/x" must stay arguments on Windows too; subcommands inherit this.
     app.allow_windows_style_options(false);
     app.require_subcommand(1);
@@ -90,6 +140,8 @@ int main(int argc, char** argv) {
     AddDefsCommands(app, line);
     AddLogCommands(app, line);
     AddScanCommand(app, line);
+    AddCleanCommand(app, line);
+    AddBackupsCommands(app, line);
     try {
         auto host = orvex::platform::MakeHostPlatform();
         orvex::platform::ScopedPlatform installed(host->view());

@@ -44,6 +44,8 @@ struct AppState {
     VbBool RemovalCancelled = VbFalse;
     VbBool RemovalActive = VbFalse;
     VbBool RestartNeeded = VbFalse;
+    VbBool BackupEnabled = VbFalse;  // back up each row before removing it
+    std::int32_t RemovalTotal = 0;   // checked rows that advance the removal bar
 
     // Definition data shown in logs and windows.
     std::string DefinitionDate;

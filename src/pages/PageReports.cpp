@@ -7,6 +7,7 @@
 #include "definitions/LoadReport.h"
 #include "pages/MainWindow.h"
 #include "pages/RemovalPage.h"
+#include "pages/ResultsPage.h"
 #include "pages/ScanPage.h"
 #include "scan/RemovalProgress.h"
 #include "scan/ScanProgress.h"
@@ -63,6 +64,8 @@ class MainWindowLoadReport : public LoadReport {
 
 class RemovalPageProgress : public RemovalProgress {
   public:
+    // The results page was unloaded before the removal; this brings it back, unseen.
+    void RowStarting(std::int32_t) override { frmresults().Caption1(); }
     void RowDeleted() override {
         FrmRemoval& form = frmremoval();
         form.Label2.Caption = Lng(298);

@@ -10,6 +10,13 @@ class FrmRemoval : public ui::Form {
   public:
     FrmRemoval();
 
+    void Form_Load() override;
+    void Form_Unload(int& cancel) override;
+    // Counts the rows the bar will step through and shows the window.
+    void Intiate();
+    // The cancel button (Image5), left button only.
+    void Command1_Click();
+
     ui::Label Label1{*this, "Label1"};  // heading
     ui::Label Label2{*this, "Label2"};  // activity line
     ui::ProgressBar pb1{*this, "pb1"};  // one step per removed row

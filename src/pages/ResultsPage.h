@@ -11,10 +11,15 @@ class FrmResults : public ui::Form {
     FrmResults();
 
     void Form_Load() override;
+    // Rebuilds the summary from the counts; the removal calls it for every row.
+    void Caption1();
+    // The remove button (Image3): checks every row and removes them all, with backups.
+    void cmdBlock_Click();
 
-    ui::Label lbl2{*this, "lbl2"};      // heading
-    ui::Label lbl3{*this, "lbl3"};      // summary
-    ui::Label Label1{*this, "Label1"};  // "Run Scan Again"
+    ui::Label lbl2{*this, "lbl2"};            // heading
+    ui::Label lbl3{*this, "lbl3"};            // summary
+    ui::ImageButton Image3{*this, "Image3"};  // remove
+    ui::Label Label1{*this, "Label1"};        // "Run Scan Again"
     ui::ImageButton Image5{*this, "Image5"};
     ui::Label Label2{*this, "Label2"};  // "View Scheduling Options"
     ui::ImageButton Image6{*this, "Image6"};

@@ -361,4 +361,11 @@ std::string RegistryHelper::HiveName(Hive hive) {
     }
 }
 
+std::optional<Hive> RegistryHelper::HiveOfName(std::string_view name) {
+    for (Hive hive : {Hive::ClassesRoot, Hive::CurrentUser, Hive::LocalMachine, Hive::Users,
+                      Hive::CurrentConfig, Hive::DynData})
+        if (HiveName(hive) == name) return hive;
+    return std::nullopt;
+}
+
 }  // namespace orvex::platform

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/Registry.h"
@@ -74,6 +75,8 @@ class RegistryHelper {
 
     // The root's name ("HKEY_LOCAL_MACHINE"), empty for HKEY_PERFORMANCE_DATA.
     static std::string HiveName(Hive hive);
+    // The root of one of those six names, exactly as written; std::nullopt for any other.
+    static std::optional<Hive> HiveOfName(std::string_view name);
 
   private:
     std::string selectedPath() const;

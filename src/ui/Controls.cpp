@@ -1,6 +1,9 @@
-// Controls.cpp: control registration and the text box's change event.
+// Controls.cpp: control registration, the text box's change event and list sorting.
 #include "ui/Controls.h"
 
+#include <algorithm>
+
+#include "platform/AnsiCase.h"
 #include "ui/Form.h"
 
 namespace orvex::ui {
@@ -13,6 +16,40 @@ Control::Control(Form& owner, std::string name, int index)
 void TextBox::SetText(std::string text) {
     text_ = std::move(text);
     if (Change) Change();
+}
+
+namespace {
+
+const std::string& Cell(const ListItem& row, int column) {
+    static const std::string kEmpty;
+    if (column == 0) return row.Text;
+    const auto at = static_cast<std::size_t>(column - 1);
+    return at < row.SubItems.size() ? row.SubItems[at] : kEmpty;
+}
+
+bool LessNoCase(const std::string& a, const std::string& b) {
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+        return static_cast<unsigned char>(platform::AnsiLower(x)) <
+               static_cast<unsigned char>(platform::AnsiLower(y));
+    });
+}
+
+}  // namespace
+
+void DoSort(ListView& list, int column, int order) {
+    list.SortKey = column;
+    list.SortOrder = order;
+    const bool descending = order == kSortDescending;
+    std::stable_sort(list.ListItems.begin(), list.ListItems.end(),
+                     [&](const ListItem& a, const ListItem& b) {
+                         return descending ? LessNoCase(Cell(b, column), Cell(a, column))
+                                           : LessNoCase(Cell(a, column), Cell(b, column));
+                     });
+}
+
+int NextSortOrder(const ListView& list, int column) {
+    const bool ascendingNow = list.SortKey == column && list.SortOrder == kSortAscending;
+    return ascendingNow ? kSortDescending : kSortAscending;
 }
 
 }  // namespace orvex::ui

@@ -119,7 +119,19 @@ class ListView : public Control {
     std::vector<std::string> ColumnHeaders;
     std::vector<ListItem> ListItems;
     bool Checkboxes = false;
+    int SortKey = 0;  // the column last sorted by: 0 the text, n column n
+    int SortOrder = 0;
 };
+
+inline constexpr int kSortAscending = 3;
+inline constexpr int kSortDescending = 4;
+
+// Sorts the rows as plain text by `column` (0 the text, n column n), ignoring case, as the
+// list control sorts; rows that compare equal keep their order.
+void DoSort(ListView& list, int column, int order);
+// The order a click on `column` asks for: the other way round when the list is already
+// sorted by it in ascending order.
+int NextSortOrder(const ListView& list, int column);
 
 class ListBox : public Control {
   public:
