@@ -33,6 +33,25 @@ struct TopWindow {
 
 using MutexHandle = std::uintptr_t;  // 0 is no handle
 
+// The MoveFileEx flags that hand a file to the next start of the system.
+namespace movefile {
+inline constexpr std::uint32_t kReplaceExisting = 0x1;
+inline constexpr std::uint32_t kDelayUntilReboot = 0x4;
+}  // namespace movefile
+
+// A file operation left for the next start of the system.
+struct RestartMove {
+    std::string from;
+    std::string to;  // empty: delete at the restart
+    std::uint32_t flags = 0;
+};
+
+// The ExitWindowsEx flags.
+namespace exitwindows {
+inline constexpr std::uint32_t kReboot = 0x2;
+inline constexpr std::uint32_t kForce = 0x4;
+}  // namespace exitwindows
+
 struct MutexResult {
     MutexHandle handle = 0;
     bool alreadyExisted = false;
@@ -63,6 +82,17 @@ class System {
     // ShellExecute with the given verb; true on success.
     virtual bool shellExecute(std::string_view verb, std::string_view file,
                               std::string_view parameters, int showCommand) = 0;
+
+    // MoveFileEx: with kDelayUntilReboot the system moves or deletes the file at its next
+    // start; an empty `to` deletes. True when the system took the request.
+    virtual bool moveFileAtRestart(std::string_view from, std::string_view to,
+                                   std::uint32_t flags) = 0;
+    // The system's text for the last error of a call on this thread (200 characters at most).
+    virtual std::string lastErrorText() = 0;
+    // Enables the shutdown privilege in this process's token; what the calls say is unread.
+    virtual void enableShutdownPrivilege() = 0;
+    // ExitWindowsEx; true when the system took the request.
+    virtual bool exitWindows(std::uint32_t flags) = 0;
 
     virtual int screenWidthPixels() = 0;
     virtual int screenHeightPixels() = 0;

@@ -148,6 +148,20 @@ struct StartCall {
     bool hidden = false;
 };
 
+// A library file the machine can load. Its entries return at once with `exitCode`, or after
+// `runMilliseconds` when that is set: a wait shorter than that finds the thread running.
+struct MemoryComponent {
+    std::vector<std::string> exports;  // the names GetProcAddress finds, compared exactly
+    std::uint32_t runMilliseconds = 0;
+    std::uint32_t exitCode = 0;
+};
+
+// What exitThread raises on this back-end: the calling thread has ended with `code`, and
+// nothing after the call runs.
+struct ThreadExited {
+    std::uint32_t code = 0;
+};
+
 class MemoryProcesses : public ProcessApi {
   public:
     std::optional<OsVersion> osVersion() override { return os_; }
@@ -156,6 +170,15 @@ class MemoryProcesses : public ProcessApi {
     bool terminate(std::uint32_t pid) override;
     std::uint32_t currentProcessId() override { return currentPid_; }
     bool start(std::string_view path, std::string_view arguments, bool hidden) override;
+
+    LibraryHandle loadLibrary(std::string_view path) override;
+    EntryAddress entryAddress(LibraryHandle library, std::string_view name) override;
+    void freeLibrary(LibraryHandle library) override;
+    ThreadHandle startEntryThread(EntryAddress entry) override;  // the entry runs at once
+    std::uint32_t waitForThread(ThreadHandle thread, std::uint32_t milliseconds) override;
+    std::uint32_t threadExitCode(ThreadHandle thread) override;  // 259 while it runs
+    void closeThread(ThreadHandle thread) override;
+    [[noreturn]] void exitThread(std::uint32_t code) override;  // raises ThreadExited
 
     // Default: Windows XP (NT family, 5.1).
     void setOsVersion(std::uint32_t platformId, std::uint32_t major, std::uint32_t minor) {
@@ -177,7 +200,32 @@ class MemoryProcesses : public ProcessApi {
     const std::vector<StartCall>& startCalls() const { return starts_; }
     const std::vector<std::uint32_t>& terminated() const { return terminated_; }
 
+    // Components: paths compare without regard to case. A path without a component is not
+    // loadable, as a text file or a program is not.
+    void addComponent(std::string path, MemoryComponent component);
+    void failThreadStart(bool fail = true) { failThreadStart_ = fail; }
+    // "path|entry" for each entry started on a thread, in order.
+    const std::vector<std::string>& entriesRun() const { return entriesRun_; }
+    // The paths of the libraries still loaded, once per load not yet freed.
+    std::vector<std::string> loadedLibraries() const;
+    std::size_t openThreads() const { return threads_.size(); }
+
   private:
+    struct Library {
+        std::string path;
+        MemoryComponent component;
+    };
+    struct Entry {
+        LibraryHandle library = 0;
+        std::string name;
+    };
+    struct Thread {
+        std::uint32_t runMilliseconds = 0;
+        std::uint32_t exitCode = 0;
+        bool ended = false;
+    };
+    ThreadHandle newHandle() { return nextHandle_ += 4; }
+
     struct Process {
         std::uint32_t pid;
         std::string imagePath;
@@ -193,6 +241,13 @@ class MemoryProcesses : public ProcessApi {
     bool startResult_ = true;
     std::vector<StartCall> starts_;
     std::vector<std::uint32_t> terminated_;
+    std::vector<std::pair<std::string, MemoryComponent>> components_;
+    std::map<LibraryHandle, Library> libraries_;
+    std::map<EntryAddress, Entry> entries_;
+    std::map<ThreadHandle, Thread> threads_;
+    std::uintptr_t nextHandle_ = 0x7000;
+    bool failThreadStart_ = false;
+    std::vector<std::string> entriesRun_;
 };
 
 // ---------------------------------------------------------------------------------------
@@ -212,6 +267,11 @@ class MutexTable {
     };
     std::map<std::string, Mutex, std::less<>> named;
     std::uint64_t nextId = 1;  // shared source of owner ids and handle values
+};
+
+struct ExitWindowsCall {
+    std::uint32_t flags = 0;
+    bool privilegeEnabled = false;  // whether the shutdown privilege was asked for before
 };
 
 struct ShellCall {
@@ -245,6 +305,13 @@ class MemorySystem : public System {
     bool shellExecute(std::string_view verb, std::string_view file, std::string_view parameters,
                       int showCommand) override;
 
+    // Kept in movesAtRestart(); nothing carries them out.
+    bool moveFileAtRestart(std::string_view from, std::string_view to,
+                           std::uint32_t flags) override;
+    std::string lastErrorText() override;
+    void enableShutdownPrivilege() override { ++privilegeRequests_; }
+    bool exitWindows(std::uint32_t flags) override;  // recorded, taken
+
     int screenWidthPixels() override { return screenWidth_; }
     int screenHeightPixels() override { return screenHeight_; }
     int screenDpiY() override { return dpi_; }
@@ -276,6 +343,8 @@ class MemorySystem : public System {
     // Names compare without regard to case; std::nullopt removes the variable.
     void setEnvironment(std::string_view name, std::optional<std::string> value);
     void setShellExecuteResult(bool ok) { shellResult_ = ok; }
+    // MoveFileEx refuses (as it does without the rights to the registry) and keeps nothing.
+    void refuseMovesAtRestart(bool refuse = true) { refuseMoves_ = refuse; }
     void setScreenSize(int width, int height) {
         screenWidth_ = width;
         screenHeight_ = height;
@@ -289,6 +358,10 @@ class MemorySystem : public System {
     // Inspection.
     const std::vector<ShellCall>& shellCalls() const { return shellCalls_; }
     const std::vector<std::uintptr_t>& closeRequests() const { return closeRequests_; }
+    const std::vector<RestartMove>& movesAtRestart() const { return moves_; }
+    int errorTextReads() const { return errorTextReads_; }
+    int shutdownPrivilegeRequests() const { return privilegeRequests_; }
+    const std::vector<ExitWindowsCall>& exitWindowsCalls() const { return exitCalls_; }
     MutexTable& mutexes() { return *mutexes_; }
     // Whether this system (process) holds a handle to the named mutex.
     bool holdsMutex(std::string_view name) const;
@@ -323,6 +396,11 @@ class MemorySystem : public System {
     std::vector<TopWindow> windows_;
     std::uintptr_t nextWindow_ = 0x10010;
     std::vector<std::uintptr_t> closeRequests_;
+    bool refuseMoves_ = false;
+    std::vector<RestartMove> moves_;
+    int errorTextReads_ = 0;
+    int privilegeRequests_ = 0;
+    std::vector<ExitWindowsCall> exitCalls_;
 };
 
 // ---------------------------------------------------------------------------------------

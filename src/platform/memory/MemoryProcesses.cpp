@@ -1,6 +1,7 @@
 // MemoryProcesses.cpp: the scripted process table of the memory back-end.
 #include <algorithm>
 
+#include "platform/AnsiCase.h"
 #include "platform/memory/MemoryPlatform.h"
 
 namespace orvex::platform::memory {
@@ -69,6 +70,75 @@ bool MemoryProcesses::running(std::uint32_t pid) const {
 
 void MemoryProcesses::protect(std::uint32_t pid, bool isProtected) {
     if (Process* p = find(pid)) p->isProtected = isProtected;
+}
+
+void MemoryProcesses::addComponent(std::string path, MemoryComponent component) {
+    components_.emplace_back(std::move(path), std::move(component));
+}
+
+LibraryHandle MemoryProcesses::loadLibrary(std::string_view path) {
+    for (const auto& [known, component] : components_) {
+        if (!EqualsNoCase(known, path)) continue;
+        const LibraryHandle handle = newHandle();
+        libraries_[handle] = Library{known, component};
+        return handle;
+    }
+    return 0;
+}
+
+EntryAddress MemoryProcesses::entryAddress(LibraryHandle library, std::string_view name) {
+    const auto loaded = libraries_.find(library);
+    if (loaded == libraries_.end()) return 0;
+    const auto& exports = loaded->second.component.exports;
+    if (std::find(exports.begin(), exports.end(), name) == exports.end()) return 0;
+    const EntryAddress entry = newHandle();
+    entries_[entry] = Entry{library, std::string(name)};
+    return entry;
+}
+
+void MemoryProcesses::freeLibrary(LibraryHandle library) {
+    libraries_.erase(library);
+}
+
+ThreadHandle MemoryProcesses::startEntryThread(EntryAddress entry) {
+    const auto known = entries_.find(entry);
+    if (failThreadStart_ || known == entries_.end()) return 0;
+    const Library& library = libraries_.at(known->second.library);
+    entriesRun_.push_back(library.path + "|" + known->second.name);
+    const ThreadHandle thread = newHandle();
+    threads_[thread] = Thread{library.component.runMilliseconds, library.component.exitCode, false};
+    return thread;
+}
+
+std::uint32_t MemoryProcesses::waitForThread(ThreadHandle thread, std::uint32_t milliseconds) {
+    constexpr std::uint32_t kWaitTimeout = 258;
+    constexpr std::uint32_t kWaitFailed = 0xFFFFFFFF;
+    const auto known = threads_.find(thread);
+    if (known == threads_.end()) return kWaitFailed;
+    if (known->second.runMilliseconds >= milliseconds) return kWaitTimeout;
+    known->second.ended = true;
+    return kThreadEnded;
+}
+
+std::uint32_t MemoryProcesses::threadExitCode(ThreadHandle thread) {
+    constexpr std::uint32_t kStillActive = 259;
+    const Thread& known = threads_.at(thread);
+    return known.ended ? known.exitCode : kStillActive;
+}
+
+void MemoryProcesses::closeThread(ThreadHandle thread) {
+    threads_.erase(thread);
+}
+
+void MemoryProcesses::exitThread(std::uint32_t code) {
+    throw ThreadExited{code};
+}
+
+std::vector<std::string> MemoryProcesses::loadedLibraries() const {
+    std::vector<std::string> paths;
+    for (const auto& [handle, library] : libraries_)
+        paths.push_back(library.path);
+    return paths;
 }
 
 }  // namespace orvex::platform::memory

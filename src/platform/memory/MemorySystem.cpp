@@ -116,6 +116,23 @@ bool MemorySystem::shellExecute(std::string_view verb, std::string_view file,
     return shellResult_;
 }
 
+bool MemorySystem::moveFileAtRestart(std::string_view from, std::string_view to,
+                                     std::uint32_t flags) {
+    if (refuseMoves_) return false;
+    moves_.push_back(RestartMove{std::string(from), std::string(to), flags});
+    return true;
+}
+
+std::string MemorySystem::lastErrorText() {
+    ++errorTextReads_;
+    return "The operation completed successfully.";
+}
+
+bool MemorySystem::exitWindows(std::uint32_t flags) {
+    exitCalls_.push_back(ExitWindowsCall{flags, privilegeRequests_ > 0});
+    return true;
+}
+
 bool MemorySystem::postClose(std::uintptr_t window) {
     const bool known = std::any_of(windows_.begin(), windows_.end(),
                                    [window](const TopWindow& w) { return w.handle == window; });

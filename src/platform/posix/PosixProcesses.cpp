@@ -3,6 +3,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -207,6 +208,15 @@ bool PosixProcesses::start(std::string_view path, std::string_view arguments, bo
         if (errno != EINTR) return false;
     }
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+std::uint32_t PosixProcesses::waitForThread(ThreadHandle, std::uint32_t) {
+    constexpr std::uint32_t kWaitFailed = 0xFFFFFFFF;
+    return kWaitFailed;
+}
+
+void PosixProcesses::exitThread(std::uint32_t code) {
+    pthread_exit(reinterpret_cast<void*>(static_cast<std::uintptr_t>(code)));
 }
 
 }  // namespace orvex::platform

@@ -21,6 +21,16 @@ class PosixProcesses : public ProcessApi {
     std::uint32_t currentProcessId() override;
     bool start(std::string_view path, std::string_view arguments, bool hidden) override;
 
+    // Windows libraries don't load here: every file is refused, so nothing further runs.
+    LibraryHandle loadLibrary(std::string_view) override { return 0; }
+    EntryAddress entryAddress(LibraryHandle, std::string_view) override { return 0; }
+    void freeLibrary(LibraryHandle) override {}
+    ThreadHandle startEntryThread(EntryAddress) override { return 0; }
+    std::uint32_t waitForThread(ThreadHandle, std::uint32_t) override;
+    std::uint32_t threadExitCode(ThreadHandle) override { return 0; }
+    void closeThread(ThreadHandle) override {}
+    [[noreturn]] void exitThread(std::uint32_t code) override;
+
   private:
     std::vector<std::uint32_t> pids() const;
     std::string exeOf(std::uint32_t pid) const;  // native, empty when unreadable

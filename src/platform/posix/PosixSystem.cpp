@@ -7,8 +7,10 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <vector>
 
 #include "platform/IniFile.h"
@@ -187,6 +189,17 @@ bool PosixSystem::releaseMutex(MutexHandle handle) {
 void PosixSystem::closeHandle(MutexHandle handle) {
     std::lock_guard<std::mutex> hold(guard_);
     mutexes_.erase(handle);
+}
+
+bool PosixSystem::moveFileAtRestart(std::string_view from, std::string_view to,
+                                    std::uint32_t flags) {
+    moves_.push_back(RestartMove{std::string(from), std::string(to), flags});
+    return true;
+}
+
+std::string PosixSystem::lastErrorText() {
+    constexpr std::size_t kBuffer = 200;
+    return std::string(std::strerror(errno)).substr(0, kBuffer - 1);
 }
 
 std::string PosixSystem::readProfileString(std::string_view section, std::string_view key,

@@ -49,6 +49,15 @@ class PosixSystem : public System {
         return false;  // no desktop shell to open documents with
     }
 
+    // Kept in movesAtRestart() for the life of the object: nothing here restarts.
+    bool moveFileAtRestart(std::string_view from, std::string_view to,
+                           std::uint32_t flags) override;
+    std::string lastErrorText() override;  // the text of errno
+    void enableShutdownPrivilege() override {}
+    bool exitWindows(std::uint32_t) override { return false; }  // never ends the session
+
+    const std::vector<RestartMove>& movesAtRestart() const { return moves_; }
+
     int screenWidthPixels() override { return 1024; }
     int screenHeightPixels() override { return 768; }
     int screenDpiY() override { return 96; }
@@ -75,6 +84,7 @@ class PosixSystem : public System {
     std::mutex guard_;
     std::map<MutexHandle, MutexSlot> mutexes_;
     MutexHandle nextHandle_ = 1;
+    std::vector<RestartMove> moves_;
 };
 
 }  // namespace orvex::platform

@@ -128,4 +128,43 @@ bool Win32Processes::start(std::string_view path, std::string_view arguments, bo
     return true;
 }
 
+LibraryHandle Win32Processes::loadLibrary(std::string_view path) {
+    if (HasNul(path)) return 0;
+    return reinterpret_cast<LibraryHandle>(LoadLibraryA(std::string(path).c_str()));
+}
+
+EntryAddress Win32Processes::entryAddress(LibraryHandle library, std::string_view name) {
+    if (HasNul(name)) return 0;
+    return reinterpret_cast<EntryAddress>(
+        GetProcAddress(reinterpret_cast<HMODULE>(library), std::string(name).c_str()));
+}
+
+void Win32Processes::freeLibrary(LibraryHandle library) {
+    FreeLibrary(reinterpret_cast<HMODULE>(library));
+}
+
+ThreadHandle Win32Processes::startEntryThread(EntryAddress entry) {
+    DWORD id = 0;
+    return reinterpret_cast<ThreadHandle>(
+        CreateThread(nullptr, 0, reinterpret_cast<LPTHREAD_START_ROUTINE>(entry), nullptr, 0, &id));
+}
+
+std::uint32_t Win32Processes::waitForThread(ThreadHandle thread, std::uint32_t milliseconds) {
+    return WaitForSingleObject(reinterpret_cast<HANDLE>(thread), milliseconds);
+}
+
+std::uint32_t Win32Processes::threadExitCode(ThreadHandle thread) {
+    DWORD code = 0;
+    GetExitCodeThread(reinterpret_cast<HANDLE>(thread), &code);
+    return code;
+}
+
+void Win32Processes::closeThread(ThreadHandle thread) {
+    CloseHandle(reinterpret_cast<HANDLE>(thread));
+}
+
+void Win32Processes::exitThread(std::uint32_t code) {
+    ExitThread(code);
+}
+
 }  // namespace orvex::platform::win32

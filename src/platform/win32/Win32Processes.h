@@ -13,6 +13,15 @@ class Win32Processes : public ProcessApi {
     bool terminate(std::uint32_t pid) override;
     std::uint32_t currentProcessId() override;
     bool start(std::string_view path, std::string_view arguments, bool hidden) override;
+
+    LibraryHandle loadLibrary(std::string_view path) override;
+    EntryAddress entryAddress(LibraryHandle library, std::string_view name) override;
+    void freeLibrary(LibraryHandle library) override;
+    ThreadHandle startEntryThread(EntryAddress entry) override;
+    std::uint32_t waitForThread(ThreadHandle thread, std::uint32_t milliseconds) override;
+    std::uint32_t threadExitCode(ThreadHandle thread) override;
+    void closeThread(ThreadHandle thread) override;
+    [[noreturn]] void exitThread(std::uint32_t code) override;
 };
 
 }  // namespace orvex::platform::win32

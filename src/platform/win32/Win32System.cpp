@@ -178,6 +178,39 @@ bool Win32System::shellExecute(std::string_view verb, std::string_view file,
     return reinterpret_cast<INT_PTR>(result) > 32;
 }
 
+bool Win32System::moveFileAtRestart(std::string_view from, std::string_view to,
+                                    std::uint32_t flags) {
+    if (HasNul(from) || HasNul(to)) return false;
+    const std::string source(from), target(to);
+    return MoveFileExA(source.c_str(), OrNull(target), flags) != 0;
+}
+
+std::string Win32System::lastErrorText() {
+    constexpr DWORD kBuffer = 200;
+    std::string text(kBuffer, ' ');
+    const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, GetLastError(), 0,
+                                        text.data(), kBuffer, nullptr);
+    text.resize(length);
+    return text;
+}
+
+void Win32System::enableShutdownPrivilege() {
+    HANDLE token = nullptr;
+    OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, &token);
+    TOKEN_PRIVILEGES wanted{};
+    wanted.PrivilegeCount = 1;
+    LookupPrivilegeValueA("", "SeShutdownPrivilege", &wanted.Privileges[0].Luid);
+    wanted.Privileges[0].Attributes = SE_PRIVILEGE_ENABLED;
+    TOKEN_PRIVILEGES previous{};
+    DWORD previousSize = 0;
+    AdjustTokenPrivileges(token, FALSE, &wanted, sizeof wanted, &previous, &previousSize);
+    if (token != nullptr) CloseHandle(token);
+}
+
+bool Win32System::exitWindows(std::uint32_t flags) {
+    return ExitWindowsEx(flags, 0) != 0;
+}
+
 int Win32System::screenWidthPixels() {
     return GetSystemMetrics(SM_CXSCREEN);
 }

@@ -27,6 +27,12 @@ class Win32System : public System {
     bool shellExecute(std::string_view verb, std::string_view file, std::string_view parameters,
                       int showCommand) override;
 
+    bool moveFileAtRestart(std::string_view from, std::string_view to,
+                           std::uint32_t flags) override;
+    std::string lastErrorText() override;
+    void enableShutdownPrivilege() override;
+    bool exitWindows(std::uint32_t flags) override;
+
     int screenWidthPixels() override;
     int screenHeightPixels() override;
     int screenDpiY() override;
