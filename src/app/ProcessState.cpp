@@ -8,6 +8,7 @@
 #include "definitions/DefinitionTables.h"
 #include "pages/PageReports.h"
 #include "platform/Platform.h"
+#include "scan/Lsp.h"
 #include "scan/Recorder.h"
 #include "stores/AllowedItems.h"
 #include "stores/BackupStore.h"
@@ -30,6 +31,8 @@ void ResetProcessState() {
     Definitions() = DefinitionTables{};
     ScumListOfRun().clear();
     List1OfRun().Clear();
+    ProtocolProviders() = ProviderTable{};
+    NameSpaceProviders() = ProviderTable{};
     ExclusionRecords() = ExclusionTable{};
     BackupRecords() = BackupTable{};
     InstallPageReports();

@@ -71,6 +71,8 @@ class System {
     virtual std::string windowsFolder() = 0;
     virtual std::string systemFolder() = 0;
     virtual std::optional<std::string> environment(std::string_view name) = 0;
+    // The process's variables as "NAME=value" strings, in the order the system keeps them.
+    virtual std::vector<std::string> environmentStrings() = 0;
     // Full path of the running executable.
     virtual std::string executablePath() = 0;
 

@@ -295,6 +295,7 @@ class MemorySystem : public System {
     std::string windowsFolder() override { return windowsFolder_; }
     std::string systemFolder() override { return systemFolder_; }
     std::optional<std::string> environment(std::string_view name) override;
+    std::vector<std::string> environmentStrings() override;  // in the order they were set
     std::string executablePath() override { return executablePath_; }
 
     MutexResult createMutex(std::string_view name, bool initialOwner) override;

@@ -43,6 +43,13 @@ std::optional<std::string> MemorySystem::environment(std::string_view name) {
     return std::nullopt;
 }
 
+std::vector<std::string> MemorySystem::environmentStrings() {
+    std::vector<std::string> strings;
+    for (const auto& [key, value] : environment_)
+        strings.push_back(key + "=" + value);
+    return strings;
+}
+
 void MemorySystem::setEnvironment(std::string_view name, std::optional<std::string> value) {
     std::erase_if(environment_, [name](const auto& e) { return EqualsNoCase(e.first, name); });
     if (value) environment_.emplace_back(std::string(name), std::move(*value));

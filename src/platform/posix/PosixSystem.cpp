@@ -15,6 +15,8 @@
 
 #include "platform/IniFile.h"
 
+extern char** environ;
+
 namespace orvex::platform {
 namespace {
 
@@ -140,6 +142,13 @@ std::optional<std::string> PosixSystem::environment(std::string_view name) {
     const char* value = std::getenv(key.c_str());
     if (value == nullptr) return std::nullopt;
     return std::string(value);
+}
+
+std::vector<std::string> PosixSystem::environmentStrings() {
+    std::vector<std::string> strings;
+    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry)
+        strings.emplace_back(*entry);
+    return strings;
 }
 
 std::string PosixSystem::executablePath() {

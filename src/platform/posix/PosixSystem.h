@@ -38,6 +38,7 @@ class PosixSystem : public System {
     std::string windowsFolder() override { return "C:\\Windows"; }
     std::string systemFolder() override { return "C:\\Windows\\System32"; }
     std::optional<std::string> environment(std::string_view name) override;
+    std::vector<std::string> environmentStrings() override;
     std::string executablePath() override;
 
     MutexResult createMutex(std::string_view name, bool initialOwner) override;

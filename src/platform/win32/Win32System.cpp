@@ -6,6 +6,8 @@
 #include <shellapi.h>
 #include <winnetwk.h>
 
+#include <cstring>
+
 #include "platform/win32/Win32Text.h"
 
 namespace orvex::platform::win32 {
@@ -142,6 +144,18 @@ std::optional<std::string> Win32System::environment(std::string_view name) {
     if (error == ERROR_ENVVAR_NOT_FOUND) return std::nullopt;
     if (error != 0) return std::string();  // set, but empty
     return value;
+}
+
+std::vector<std::string> Win32System::environmentStrings() {
+    std::vector<std::string> strings;
+    char* block = GetEnvironmentStringsA();
+    if (block == nullptr) return strings;
+    for (const char* entry = block; *entry != '\0'; entry += std::strlen(entry) + 1) {
+        // "=C:=C:\..." entries hold each drive's current folder; they are no variables.
+        if (*entry != '=') strings.emplace_back(entry);
+    }
+    FreeEnvironmentStringsA(block);
+    return strings;
 }
 
 std::string Win32System::executablePath() {

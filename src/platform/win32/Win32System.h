@@ -17,6 +17,7 @@ class Win32System : public System {
     std::string windowsFolder() override;
     std::string systemFolder() override;
     std::optional<std::string> environment(std::string_view name) override;
+    std::vector<std::string> environmentStrings() override;
     std::string executablePath() override;
 
     MutexResult createMutex(std::string_view name, bool initialOwner) override;
