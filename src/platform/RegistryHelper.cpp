@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <charconv>
 
+#include "platform/AnsiCase.h"
 #include "platform/Failure.h"
 #include "platform/Platform.h"
+#include "platform/RegFile.h"
 
 namespace orvex::platform {
 namespace {
@@ -48,95 +50,6 @@ std::optional<std::uint64_t> ParseNumber(std::string_view text, std::size_t widt
 
 bool IsText(std::uint32_t type) {
     return type == regtype::kSz || type == regtype::kExpandSz || type == regtype::kMultiSz;
-}
-
-// The saved-key file: a header line, then for each key a "K" line with its path below the
-// saved key, followed by one "V" line per value (name, type, data), tab-separated, with
-// control characters and "%" written as "%XX".
-constexpr std::string_view kSavedKeyHeader = "Orvex Sentry saved key 1";
-
-std::string Escape(std::string_view bytes) {
-    static const char* hex = "0123456789ABCDEF";
-    std::string out;
-    for (char c : bytes) {
-        const auto u = static_cast<unsigned char>(c);
-        if (u < 0x20 || u == 0x7F || c == '%') {
-            out += '%';
-            out += hex[u >> 4];
-            out += hex[u & 0xF];
-        } else {
-            out += c;
-        }
-    }
-    return out;
-}
-
-std::optional<std::string> Unescape(std::string_view text) {
-    std::string out;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '%') {
-            out += text[i];
-            continue;
-        }
-        unsigned value = 0;
-        if (i + 2 >= text.size()) return std::nullopt;
-        const auto [end, ec] = std::from_chars(text.data() + i + 1, text.data() + i + 3, value, 16);
-        if (ec != std::errc() || end != text.data() + i + 3) return std::nullopt;
-        out += static_cast<char>(value);
-        i += 2;
-    }
-    return out;
-}
-
-std::vector<std::string_view> SplitTabs(std::string_view line) {
-    std::vector<std::string_view> fields;
-    std::size_t start = 0;
-    for (std::size_t tab = line.find('\t'); tab != std::string_view::npos;
-         tab = line.find('\t', start)) {
-        fields.push_back(line.substr(start, tab - start));
-        start = tab + 1;
-    }
-    fields.push_back(line.substr(start));
-    return fields;
-}
-
-struct SavedKey {
-    std::string path;  // below the saved key, "" for the key itself
-    std::vector<RegValue> values;
-};
-
-std::optional<std::vector<SavedKey>> ParseSavedKeys(const std::string& text) {
-    std::vector<SavedKey> keys;
-    std::size_t start = 0;
-    bool first = true;
-    while (start < text.size()) {
-        std::size_t end = text.find('\n', start);
-        if (end == std::string::npos) end = text.size();
-        std::string_view line(text.data() + start, end - start);
-        start = end + 1;
-        if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-        if (first) {
-            if (line != kSavedKeyHeader) return std::nullopt;
-            first = false;
-            continue;
-        }
-        const auto fields = SplitTabs(line);
-        if (fields.size() == 2 && fields[0] == "K") {
-            auto path = Unescape(fields[1]);
-            if (!path) return std::nullopt;
-            keys.push_back(SavedKey{*path, {}});
-        } else if (fields.size() == 4 && fields[0] == "V" && !keys.empty()) {
-            auto name = Unescape(fields[1]);
-            auto type = ParseNumber(fields[2], 4);
-            auto data = Unescape(fields[3]);
-            if (!name || !type || !data) return std::nullopt;
-            keys.back().values.push_back(RegValue{*name, static_cast<std::uint32_t>(*type), *data});
-        } else if (!line.empty()) {
-            return std::nullopt;
-        }
-    }
-    if (first || keys.empty() || !keys.front().path.empty()) return std::nullopt;
-    return keys;
 }
 
 std::optional<std::string> ReadWholeFile(const std::string& file) {
@@ -244,26 +157,33 @@ bool RegistryHelper::SetValue(const std::string& name, const std::string& data,
 }
 
 namespace {
-bool AppendTree(RegistryBackend& backend, Hive hive, const std::string& path,
-                const std::string& relative, std::string& text) {
-    std::vector<RegValue> values;
+// The key and every key below it, parents before their subkeys.
+bool CollectTree(RegistryBackend& backend, Hive hive, const std::string& path,
+                 std::vector<RegFileKey>& keys) {
     std::vector<RegSubKey> subKeys;
-    if (backend.listValues(hive, path, values) != regstatus::kOk ||
+    keys.push_back(RegFileKey{hive, path, {}});
+    if (backend.listValues(hive, path, keys.back().values) != regstatus::kOk ||
         backend.listSubKeys(hive, path, subKeys) != regstatus::kOk)
         return false;
-    text.append("K\t").append(Escape(relative)).append("\r\n");
-    for (const auto& v : values)
-        text.append("V\t")
-            .append(Escape(v.name))
-            .append("\t")
-            .append(std::to_string(v.type))
-            .append("\t")
-            .append(Escape(v.data))
-            .append("\r\n");
     for (const auto& k : subKeys)
-        if (!AppendTree(backend, hive, Join(path, k.name), Join(relative, k.name), text))
-            return false;
+        if (!CollectTree(backend, hive, Join(path, k.name), keys)) return false;
     return true;
+}
+
+// Where a key of the file goes: the first key is `keyPath`, the others keep their place
+// below it. std::nullopt for a key elsewhere, which a backup of one key never holds.
+std::optional<std::string> PlaceBelow(const RegFileKey& first, const RegFileKey& key,
+                                      const std::string& keyPath) {
+    const std::string& base = first.path;
+    if (key.hive != first.hive || key.path.size() < base.size() ||
+        !EqualsNoCase(std::string_view(key.path).substr(0, base.size()), base))
+        return std::nullopt;
+    std::string_view below = std::string_view(key.path).substr(base.size());
+    if (!base.empty() && !below.empty()) {
+        if (below.front() != '\\') return std::nullopt;
+        below.remove_prefix(1);
+    }
+    return Join(keyPath, std::string(below));
 }
 
 // Empties a key of its values and subkeys.
@@ -282,14 +202,18 @@ bool ClearKey(RegistryBackend& backend, Hive hive, const std::string& path) {
 }  // namespace
 
 bool RegistryHelper::SaveKey(Hive hive, const std::string& keyPath, const std::string& file) {
-    std::string text = std::string(kSavedKeyHeader) + "\r\n";
-    if (!backend_.keyExists(hive, keyPath) || !AppendTree(backend_, hive, keyPath, "", text))
-        return false;
+    std::string root = keyPath;
+    // The file names the key without the closing backslash a path may carry.
+    if (!root.empty() && root.back() == '\\') root.pop_back();
+    std::vector<RegFileKey> keys;
+    if (!backend_.keyExists(hive, root) || !CollectTree(backend_, hive, root, keys)) return false;
+    const auto text = WriteRegFile(keys);
+    if (!text) return false;
     try {
         FileSystem& files = Files();
         if (files.fileExists(file)) return false;
         auto stream = files.open(file, OpenMode::Write);
-        stream->write(text.data(), text.size());
+        stream->write(text->data(), text->size());
         stream->flush();
         return true;
     } catch (const Failure&) {
@@ -299,15 +223,22 @@ bool RegistryHelper::SaveKey(Hive hive, const std::string& keyPath, const std::s
 
 bool RegistryHelper::RestoreKey(const std::string& file, Hive hive, const std::string& keyPath) {
     const auto text = ReadWholeFile(file);
-    const auto keys = text ? ParseSavedKeys(*text) : std::nullopt;
-    if (!keys) return false;
+    std::string error;
+    const auto keys = text ? ReadRegFile(*text, error) : std::nullopt;
+    if (!keys || keys->empty()) return false;
+    // Every place is known before the registry is touched.
+    std::vector<std::string> places;
+    for (const RegFileKey& key : *keys) {
+        auto place = PlaceBelow(keys->front(), key, keyPath);
+        if (!place) return false;
+        places.push_back(std::move(*place));
+    }
     if (backend_.createKey(hive, keyPath) != regstatus::kOk || !ClearKey(backend_, hive, keyPath))
         return false;
-    for (const auto& key : *keys) {
-        const std::string path = Join(keyPath, key.path);
-        if (backend_.createKey(hive, path) != regstatus::kOk) return false;
-        for (const auto& v : key.values)
-            if (backend_.writeValue(hive, path, v) != regstatus::kOk) return false;
+    for (std::size_t i = 0; i < keys->size(); ++i) {
+        if (backend_.createKey(hive, places[i]) != regstatus::kOk) return false;
+        for (const auto& v : (*keys)[i].values)
+            if (backend_.writeValue(hive, places[i], v) != regstatus::kOk) return false;
     }
     return true;
 }

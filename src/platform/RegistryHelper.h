@@ -56,11 +56,14 @@ class RegistryHelper {
                   std::uint32_t type = regtype::kSz);
 
     // Writes the key `keyPath` of `hive` with everything below it to `file` on the
-    // installed FileSystem. False when the key is missing, the file already exists (as
-    // RegSaveKey refuses to overwrite) or cannot be written.
+    // installed FileSystem, as a REGEDIT4 export (platform/RegFile.h) that regedit can
+    // import too. False when the key is missing, the file already exists (as RegSaveKey
+    // refuses to overwrite), a name cannot be written in that format or the file cannot.
     bool SaveKey(Hive hive, const std::string& keyPath, const std::string& file);
-    // Brings back what SaveKey wrote as the key `keyPath` of `hive`: the key is created
-    // when missing and ends up holding exactly the saved subkeys and values.
+    // Brings back a REGEDIT4 file as the key `keyPath` of `hive`: its first key becomes
+    // `keyPath`, the others keep their place below it. The key is created when missing and
+    // ends up holding exactly the saved subkeys and values. False, with nothing changed,
+    // when the file is missing or malformed or holds a key outside its first one.
     bool RestoreKey(const std::string& file, Hive hive, const std::string& keyPath);
 
     // The text form of a value's data in the enumerations: texts as they stand, DWORD and

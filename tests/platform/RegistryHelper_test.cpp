@@ -84,6 +84,81 @@ TEST_F(RegistryHelperTest, SetValueCreatesTheKeyAndConvertsNumbersButNotOnADenie
     EXPECT_FALSE(select("Policies\\Sub").SetValue("x", "1"));
 }
 
+// A key with everything below it, as "path|name|type|data" lines relative to the key.
+std::vector<std::string> Tree(RegistryBackend& reg, const std::string& path,
+                              const std::string& relative = "") {
+    std::vector<std::string> lines = {relative};
+    std::vector<RegValue> values;
+    std::vector<RegSubKey> keys;
+    reg.listValues(kLm, path, values);
+    reg.listSubKeys(kLm, path, keys);
+    for (const RegValue& v : values)
+        lines.push_back(relative + "|" + v.name + "|" + std::to_string(v.type) + "|" + v.data);
+    for (const RegSubKey& k : keys)
+        for (auto& line : Tree(reg, path + "\\" + k.name, relative + "\\" + k.name))
+            lines.push_back(std::move(line));
+    return lines;
+}
+
+TEST_F(RegistryHelperTest, ASavedKeyComesBackInPlaceOfWhatIsThere) {
+    const std::string spy = "Software\\Spy";
+    const std::vector<RegValue> values = {
+        {"", regtype::kSz, "\"C:\\spy.exe\" /run"},
+        {"Lines", regtype::kSz, "one\r\ntwo"},
+        {"Empty", regtype::kSz, ""},
+        {"Path", regtype::kExpandSz, "%SystemRoot%\\spy"},
+        {"List", regtype::kMultiSz, std::string("a\0b\0\0", 5)},
+        {"Count", regtype::kDword, std::string("\x2a\0\0\x80", 4)},
+        {"Short", regtype::kDword, "\x01"},
+        {"Quad", regtype::kQword, std::string("\x01\0\0\0\0\0\0\xff", 8)},
+        {"Blob", regtype::kBinary, std::string(300, '\xa5')},
+        {"None", regtype::kNone, ""},
+        {"Odd", 0xdeadbeef, std::string("\0x", 2)},
+    };
+    registry.addKey(kLm, spy + "\\Child\\Empty");
+    for (const char* sub : {"", "\\Child\\Grand"}) {
+        registry.addKey(kLm, spy + sub);
+        for (const RegValue& v : values)
+            registry.writeValue(kLm, spy + sub, v);
+    }
+    const auto saved = Tree(registry, spy);
+    RegistryHelper reg = select(spy);
+    files.addFolder("C:\\Backup");
+    ASSERT_TRUE(reg.SaveKey(kLm, spy, "C:\\Backup\\1.asw"));
+    EXPECT_FALSE(reg.SaveKey(kLm, spy, "C:\\Backup\\1.asw"));  // never overwritten
+    EXPECT_FALSE(reg.SaveKey(kLm, "Software\\Missing", "C:\\Backup\\2.asw"));
+
+    const std::pair<std::string, long> deletions[] = {{"Lines", 0}, {"Lines", 2}, {"Nothing", 2}};
+    for (const auto& [name, status] : deletions)
+        EXPECT_EQ(reg.DeleteValue(name), status) << name;
+    EXPECT_EQ(reg.DeleteKey("Child"), regstatus::kOk);
+    EXPECT_EQ(reg.DeleteKey("Child"), regstatus::kNotFound);
+    registry.setString(kLm, spy + "\\Stray", "planted", "again");
+    ASSERT_TRUE(reg.RestoreKey("C:\\Backup\\1.asw", kLm, spy));
+    EXPECT_EQ(Tree(registry, spy), saved);
+    EXPECT_EQ(reg.DeleteKey(""), regstatus::kOk);
+    EXPECT_FALSE(registry.hasKey(kLm, spy));
+    // The file's first key goes where it is told, the rest below it.
+    ASSERT_TRUE(reg.RestoreKey("C:\\Backup\\1.asw", kLm, "Software\\Moved"));
+    EXPECT_EQ(Tree(registry, "Software\\Moved"), saved);
+}
+
+TEST_F(RegistryHelperTest, RestoreLeavesTheKeyAloneForAFileItCannotTake) {
+    registry.setString(kLm, "K", "kept", "1");
+    const std::pair<const char*, std::string> broken[] = {
+        {"C:\\missing.asw", ""},
+        {"C:\\bad.asw", "REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\A]\r\n\"x\"=hex:zz\r\n"},
+        {"C:\\empty.asw", "REGEDIT4\r\n"},
+        {"C:\\beside.asw", "REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\A]\r\n[HKEY_LOCAL_MACHINE\\AB]\r\n"},
+        {"C:\\hive.asw", "REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\A]\r\n[HKEY_USERS\\A\\B]\r\n"},
+    };
+    for (const auto& [file, text] : broken) {
+        if (!text.empty()) files.addFile(file, text);
+        EXPECT_FALSE(select("K").RestoreKey(file, kLm, "K")) << file;
+        EXPECT_EQ(registry.data(kLm, "K", "kept"), "1") << file;
+    }
+}
+
 TEST(RegistryHelperWithoutPlatform, FailsWithNinetyOne) {
     EXPECT_EQ(testing::FailureOf([] { RegistryHelper reg; }), failure::kObjectNotSet);
 }
