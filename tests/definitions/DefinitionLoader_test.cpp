@@ -233,6 +233,19 @@ TEST_F(DefinitionLoaderTest, VersionsAndReload) {
     EXPECT_EQ(App().StaticDefinitionVer, "old static");
     EXPECT_EQ(App().DefinitionDate, "new date");
     EXPECT_EQ(Value("StaticDAT"), "old static");
+
+    EXPECT_EQ(ErrorLog().find("Error [ 9 ]"), std::string::npos);
+    // A data line starting with "Ver" is filed and read as a version too; without "=" the
+    // read fails, is logged, and the load goes on.
+    Defs("Ver=kept\n[Startup]\nVerminator|v.exe\n[End]\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(App().DefinitionDate, "kept");
+    EXPECT_EQ(t.StartupDefs[0], "Verminator|v.exe");
+    EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
+    Defs("Ver=date\n[Startup]\nVer|=dummy.exe\n[End]\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(t.StartupDefs[0], "Ver|=dummy.exe");
+    EXPECT_EQ(App().DefinitionDate, "dummy.exe");
 }
 
 // The yields count the steps of the classic algorithm, so they pin its pivot: the middle
@@ -248,38 +261,16 @@ TEST(QuickSortMe, PivotIsTheMiddleRoundedHalfToEven) {
 
 TEST(QuickSortMe, SortsDeepInputsWithoutExhaustingTheStack) {
     std::mt19937 random(7);
-    Lines lines;
+    Lines shuffled, same(200000, "same"), descending, empty;
     for (int i = 0; i < 5000; ++i)
-        lines.push_back(std::to_string(random() % 700));
-    QuickSortMe(lines, -1, -1);
-    EXPECT_TRUE(std::is_sorted(lines.begin(), lines.end()));
-    Lines same(200000, "same");
-    QuickSortMe(same, -1, -1);
-    Lines descending;
+        shuffled.push_back(std::to_string(random() % 700));
     for (int i = 200000; i > 0; --i)
         descending.push_back(std::to_string(1000000 + i));
-    QuickSortMe(descending, -1, -1);
-    EXPECT_TRUE(std::is_sorted(descending.begin(), descending.end()));
-    Lines empty;
-    QuickSortMe(empty, -1, -1);
+    for (Lines* lines : {&shuffled, &same, &descending, &empty}) {
+        QuickSortMe(*lines, -1, -1);
+        EXPECT_TRUE(std::is_sorted(lines->begin(), lines->end()));
+    }
     EXPECT_TRUE(empty.empty());
-}
-
-// --- Versions --------------------------------------------------------------------------
-
-// A data line starting with "Ver" is filed and read as a version too; without "=" the
-// read fails, is logged, and the load goes on.
-TEST_F(DefinitionLoaderTest, DataLinesStartingWithVerAreFiledAndReadAsVersions) {
-    Defs("Ver=kept\n[Startup]\nVerminator|v.exe\n[End]\n");
-    LoadReferenceFiles();
-    EXPECT_EQ(App().DefinitionDate, "kept");
-    EXPECT_EQ(t.StartupDefs[0], "Verminator|v.exe");
-    EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
-
-    Defs("Ver=date\n[Startup]\nVer|=dummy.exe\n[End]\n");
-    LoadReferenceFiles();
-    EXPECT_EQ(t.StartupDefs[0], "Ver|=dummy.exe");
-    EXPECT_EQ(App().DefinitionDate, "dummy.exe");
 }
 
 // --- Damaged files -----------------------------------------------------------------------

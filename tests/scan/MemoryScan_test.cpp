@@ -158,12 +158,20 @@ TEST_F(MemoryScanTest, KillModeEndsTheProcessesOfCheckedMemoryRowsById) {
     const auto onDisk = Run("C:\\Apps\\disk.exe");  // a checked row of another stage
     ScumListDetailsAdd("Disk", "FileSystem", "C:\\Apps\\", "disk.exe", "");
     ScumListOfRun().setChecked(ScumListOfRun().count(), true);
+    // A process refusing to end stops nothing.
+    const auto guarded = Run("C:\\Apps\\guarded.exe");
+    const auto afterGuarded = Run("C:\\Apps\\bad.exe");
+    processes.protect(guarded);
+    Check("Guarded", "guarded.exe");
+    Check("Bad", "bad.exe");
     Scan(VbTrue);
     EXPECT_TRUE(processes.running(first));  // the first entry is never ended
     EXPECT_FALSE(processes.running(evil));
     EXPECT_TRUE(processes.running(kept));
     EXPECT_FALSE(processes.running(other));
     EXPECT_TRUE(processes.running(onDisk));
+    EXPECT_TRUE(processes.running(guarded));
+    EXPECT_FALSE(processes.running(afterGuarded));
     EXPECT_TRUE(LogRecords().empty());  // kill mode logs no start
 }
 
@@ -195,47 +203,31 @@ TEST_F(MemoryScanTest, KillAppReportsWhetherAnyMatchedAndIgnoresAnEmptyName) {
     EXPECT_FALSE(processes.running(app));
 }
 
-TEST_F(MemoryScanTest, ProcessRefusingToEndStopsNothing) {
-    Run("C:\\Apps\\first.exe");
-    const auto guarded = Run("C:\\Apps\\evil.exe");
-    const auto second = Run("C:\\Apps\\bad.exe");
-    processes.protect(guarded);
-    Check("Evil", "evil.exe");
-    Check("Bad", "bad.exe");
-    Scan(VbTrue);
-    EXPECT_TRUE(processes.running(guarded));
-    EXPECT_FALSE(processes.running(second));
-}
-
 // ---------------------------------------------------------------------------------------
 // Surveillance agent
 
 TEST_F(MemoryScanTest, AgentIsKnownByEitherDigestOrElseByItsFolder) {
-    EXPECT_TRUE(IsSurveillanceAgentImage("29a38b50b102abc3b818100fc836868d", "C:\\Apps\\"));
-    EXPECT_FALSE(IsSurveillanceAgentImage("EED8E968A40F91E20800FEE118D0B718", "C:\\Apps\\"));
-    EXPECT_TRUE(IsSurveillanceAgentImage("", "C:\\Program Files\\SpyAgent4\\"));
-    EXPECT_FALSE(IsSurveillanceAgentImage("", "C:\\Program Files\\Spy Agent\\"));
+    EXPECT_EQ((std::vector<bool>{
+                  IsSurveillanceAgentImage("29a38b50b102abc3b818100fc836868d", "C:\\Apps\\"),
+                  IsSurveillanceAgentImage("EED8E968A40F91E20800FEE118D0B718", "C:\\Apps\\"),
+                  IsSurveillanceAgentImage("", "C:\\Program Files\\SpyAgent4\\"),
+                  IsSurveillanceAgentImage("", "C:\\Program Files\\Spy Agent\\")}),
+              (std::vector<bool>{true, false, true, false}));
 }
 
 TEST_F(MemoryScanTest, AgentInAFolderNamedAfterItIsEndedAndLoggedWithoutARow) {
-    Run("C:\\Apps\\first.exe");
     files.addFolder("C:\\Program Files\\SpyAgent");
+    const auto first = Run("C:\\Program Files\\SpyAgent\\first.exe");  // passed over
     const auto agent = Run("C:\\Program Files\\SpyAgent\\sa.exe");
     const auto gone = processes.addProcess("C:\\Program Files\\SpyAgent\\old.exe");
     const auto other = Run("C:\\Apps\\editor.exe");
     RemoveSurveillanceAgent();
+    EXPECT_TRUE(processes.running(first));
     EXPECT_FALSE(processes.running(agent));
     EXPECT_FALSE(processes.running(gone));  // no image on the disk: the folder decides
     EXPECT_TRUE(processes.running(other));
     EXPECT_TRUE(Rows().empty());
     EXPECT_EQ(LogRecords().size(), 2u);
-}
-
-TEST_F(MemoryScanTest, AgentAsFirstListedProcessIsPassedOver) {
-    files.addFolder("C:\\spyagent");
-    const auto agent = Run("C:\\spyagent\\sa.exe");
-    RemoveSurveillanceAgent();
-    EXPECT_TRUE(processes.running(agent));
 }
 
 TEST_F(MemoryScanTest, AgentOnNineXIsEndedByName) {
