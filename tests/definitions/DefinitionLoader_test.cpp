@@ -166,7 +166,16 @@ TEST_F(DefinitionLoaderTest, EachSectionFillsItsTableInFileOrder) {
     EXPECT_EQ(t.DoNotUnRegisterDefs.Items, (Lines{"abc|0", ""}));
 }
 
+// MD5 lines need a separator, and Files lines without one stay.
 TEST_F(DefinitionLoaderTest, MissingEndLeavesTwoSectionsOnAndTheEarlierOneTakesTheLines) {
+    Defs("[MD5]\nno separator\nbbbb|B\n[End]\n[Files]\nA|a.exe\nNoSeparator\nB|b.exe\n[End]\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(t.Md5Index.Count, 1);
+    EXPECT_EQ(Filled(t.FileDefs), (Lines{"NoSeparator", "a.exe|A", "b.exe|B"}));
+    EXPECT_EQ(t.FileIndex[3].FileName, "b.exe");
+    // The column swap of the line without "|" fails as a subscript and goes on.
+    EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
+
     Defs(
         "[Files]\nF1|f1.exe\n[CLSID]\nF2|f2.exe\n[End]\n"
         "[Registry]\n[Startup]\nS1|s1.exe\n[End]\nafter|end\n"
@@ -179,16 +188,6 @@ TEST_F(DefinitionLoaderTest, MissingEndLeavesTwoSectionsOnAndTheEarlierOneTakesT
     // [DoNotUnRegister] files a line apart, so it lands in the open section as well.
     EXPECT_EQ(t.DoNotUnRegisterDefs.Items, (Lines{"d41d|0", ""}));
     EXPECT_EQ(t.ItemListDefs.Items, (Lines{"d41d|0", ""}));
-}
-
-TEST_F(DefinitionLoaderTest, Md5LinesNeedASeparatorAndFilesLinesWithoutOneStay) {
-    Defs("[MD5]\nno separator\nbbbb|B\n[End]\n[Files]\nA|a.exe\nNoSeparator\nB|b.exe\n[End]\n");
-    LoadReferenceFiles();
-    EXPECT_EQ(t.Md5Index.Count, 1);
-    EXPECT_EQ(Filled(t.FileDefs), (Lines{"NoSeparator", "a.exe|A", "b.exe|B"}));
-    EXPECT_EQ(t.FileIndex[3].FileName, "b.exe");
-    // The column swap of the line without "|" fails as a subscript and goes on.
-    EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
 }
 
 // --- Sorting and the indexes ---------------------------------------------------------------
@@ -275,7 +274,7 @@ TEST(QuickSortMe, SortsDeepInputsWithoutExhaustingTheStack) {
 
 // --- Damaged files -----------------------------------------------------------------------
 
-TEST_F(DefinitionLoaderTest, UndecipherableRecordsAreDataInTheOpenSection) {
+TEST_F(DefinitionLoaderTest, UndecipherableRecordsAreDataAndAnIncompleteOneEndsTheFile) {
     std::string otherKey = "Under another key";
     std::string bytes = CompileDefinitionSource("[Startup]");
     bytes += Record(Encrypt(otherKey, "Other"));
@@ -290,9 +289,7 @@ TEST_F(DefinitionLoaderTest, UndecipherableRecordsAreDataInTheOpenSection) {
             EXPECT_EQ(table->Count, 0);
         }
     }
-}
-
-TEST_F(DefinitionLoaderTest, AnIncompleteRecordEndsTheFile) {
+    // An incomplete record ends the file.
     const std::string good = CompileDefinitionSource("[Startup]\nS1|one\nS2|two");
     const std::string tails[] = {
         good.substr(0, good.size() - 1),        // last record cut short
