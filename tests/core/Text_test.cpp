@@ -11,7 +11,7 @@ namespace {
 
 using testing::FailureOf;
 using V = std::vector<std::string>;
-using Ints = std::vector<int>;
+using Ints = std::vector<std::int64_t>;
 
 TEST(InStr, PositionsAreOneBased) {
     EXPECT_EQ((Ints{InStr("abcabc", "c"), InStr(4, "abcabc", "c"), InStr(7, "abcabc", "c"),
