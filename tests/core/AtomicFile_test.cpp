@@ -42,9 +42,7 @@ TEST_F(AtomicFileTest, ReplacesTheContentWithCrLfLinesAndLeavesNoTemp) {
 
     RewriteTextFile(kTarget, {});
     EXPECT_EQ(files.contents(kTarget), "");
-}
-
-TEST_F(AtomicFileTest, CreatesAMissingFileAndKeepsBytesAsTheyAre) {
+    // A missing file is created, and bytes are kept as they are.
     const std::string bytes("\x00\xff\n\r", 4);
     RewriteTextFile("C:\\App\\New.dat", {bytes});
     EXPECT_EQ(files.contents("C:\\App\\New.dat"), bytes + "\r\n");
@@ -58,6 +56,7 @@ TEST_F(AtomicFileTest, AWriteThatFailsHalfWayLeavesTheOldFile) {
     }
 }
 
+// A missing folder is path not found.
 TEST_F(AtomicFileTest, ATargetThatCannotBeReplacedKeepsItsContent) {
     files.lock(kTarget);
     EXPECT_EQ(FailureOf({"new"}), failure::kPermissionDenied);
@@ -67,9 +66,6 @@ TEST_F(AtomicFileTest, ATargetThatCannotBeReplacedKeepsItsContent) {
     files.setAttributes(kTarget, platform::attr::kReadOnly);
     EXPECT_EQ(FailureOf({"new"}), failure::kPathFileAccess);
     ExpectOldFileAndNoTemp();
-}
-
-TEST_F(AtomicFileTest, AMissingFolderIsPathNotFound) {
     EXPECT_EQ(FailureOf({"x"}, "C:\\Gone\\Store.dat"), failure::kPathNotFound);
 }
 
@@ -80,9 +76,7 @@ TEST_F(AtomicFileTest, AnAbandonedRewriteChangesNothing) {
         EXPECT_TRUE(files.exists(AtomicFile::TempPathFor(kTarget)));
     }
     ExpectOldFileAndNoTemp();
-}
-
-TEST_F(AtomicFileTest, ATempLeftByACrashIsOverwritten) {
+    // A temporary file left by a crash is overwritten.
     files.addFile(AtomicFile::TempPathFor(kTarget), "torn rest of an earlier run, much longer");
     RewriteTextFile(kTarget, {"new"});
     EXPECT_EQ(files.contents(kTarget), "new\r\n");

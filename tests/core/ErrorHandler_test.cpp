@@ -20,6 +20,14 @@ std::string Tail(const std::string& computer = "ORVEXTEST", const std::string& u
            ", Definition Date: 11/01/2026\r\n\r\n---------------------------------------\r\n";
 }
 
+// The entry ErrorHandler writes: its first lines, then the tail.
+std::string Entry(const std::string& head, const std::string& procedure, const std::string& module,
+                  const std::string& outcome, const std::string& line = "") {
+    return "Error [ " + head + "\r\nLocation:  Procedure ( " + procedure + " ) - Module ( " +
+           module + " )" + (line.empty() ? "" : "\r\nLine number:  " + line) + kTwentyBlanks +
+           "Outcome: " + outcome + "\r\n" + Tail();
+}
+
 class ErrorLogTest : public testing::MemoryPlatformTest {
   protected:
     ErrorLogTest() {
@@ -30,59 +38,40 @@ class ErrorLogTest : public testing::MemoryPlatformTest {
     std::string Log() { return files.contents(kLog); }
 };
 
-// One number per outcome, and the fallback for numbers no table knows.
-TEST(ErrorClassification, TablesAndFallback) {
-    EXPECT_EQ(ClassifyFailure(53), Resume);
-    EXPECT_EQ(ClassifyFailure(5), ResumeNext);
-    EXPECT_EQ(ClassifyFailure(20), GotoZero);
-    EXPECT_EQ(ClassifyFailure(91), ExitProject);
-    EXPECT_EQ(ClassifyFailure(12345), ExitProject);
-    EXPECT_EQ(ClassifyFailure(-5), ExitProject);
-}
-
-TEST(ErrorClassification, CallerListsOverrideTablesAndLastHitWins) {
-    EXPECT_EQ(ClassifyFailure(53, {.resumeNext = "|9|53|"}), ResumeNext);
-    EXPECT_EQ(ClassifyFailure(5, {.resumeAtLabel = "|5|"}), ResumeAtLabel);
-    EXPECT_EQ(ClassifyFailure(53, {.resume = "|53|", .exit = "|53|"}), ExitProject);
-    EXPECT_EQ(ClassifyFailure(53, {.resumeNext = "|53|", .gotoZero = "|53|"}), GotoZero);
-    // The key carries its bars: 530 and 5 are other numbers.
-    EXPECT_EQ(ClassifyFailure(53, {.resumeNext = "|530|5|"}), Resume);
-}
-
-TEST(ErrorClassification, UnknownOutcomeHasNoNameAndRevisionIsPadded) {
+// The tables, the fallback for numbers no table knows, and caller lists, which override the
+// tables with the last hit winning; a list key carries its bars, so 530 and 5 are other numbers.
+TEST(ErrorClassification, TablesFallbackAndCallerLists) {
+    using Outcomes = std::vector<Outcome>;
+    EXPECT_EQ((Outcomes{ClassifyFailure(53), ClassifyFailure(5), ClassifyFailure(20),
+                        ClassifyFailure(91), ClassifyFailure(12345), ClassifyFailure(-5)}),
+              (Outcomes{Resume, ResumeNext, GotoZero, ExitProject, ExitProject, ExitProject}));
+    EXPECT_EQ((Outcomes{ClassifyFailure(53, {.resumeNext = "|9|53|"}),
+                        ClassifyFailure(5, {.resumeAtLabel = "|5|"}),
+                        ClassifyFailure(53, {.resume = "|53|", .exit = "|53|"}),
+                        ClassifyFailure(53, {.resumeNext = "|53|", .gotoZero = "|53|"}),
+                        ClassifyFailure(53, {.resumeNext = "|530|5|"})}),
+              (Outcomes{ResumeNext, ResumeAtLabel, ExitProject, GotoZero, Resume}));
     EXPECT_EQ(OutcomeName(static_cast<Outcome>(99)), "");
-    EXPECT_EQ(ErrorLogVersionText(1, 0, 7), "1.0.07");
-    EXPECT_EQ(ErrorLogVersionText(2, 3, 123), "2.3.123");
+    EXPECT_EQ(ErrorLogVersionText(1, 0, 7) + " " + ErrorLogVersionText(2, 3, 123),
+              "1.0.07 2.3.123");
 }
 
-TEST_F(ErrorLogTest, EntryWithoutLineNumber) {
+// Each entry overwrites the start of the log and leaves the older tail.
+TEST_F(ErrorLogTest, EntriesWithAndWithoutLineNumberOverwriteTheStart) {
+    const std::string older(2000, 'x');
+    files.addFile(kLog, older);
     EXPECT_EQ(
         ErrorHandler(91, "Object variable or With block variable not set", 0, "frmmain", "actions"),
         ExitProject);
-    EXPECT_EQ(Log(),
-              "Error [ 91 ]:  Object variable or With block variable not set\r\n"
-              "Location:  Procedure ( actions ) - Module ( frmmain )" +
-                  kTwentyBlanks + "Outcome: Exit Project\r\n" + Tail());
-}
-
-TEST_F(ErrorLogTest, EntryWithLineNumber) {
+    const std::string first = Entry("91 ]:  Object variable or With block variable not set",
+                                    "actions", "frmmain", "Exit Project");
+    EXPECT_EQ(Log(), first + older.substr(first.size()));
+    files.remove(kLog);
     ErrorHandler(53, "File not found", 120, "Module1", "LoadStaticDat");
-    EXPECT_EQ(Log(),
-              "Error [ 53 ]:  File not found\r\n"
-              "Location:  Procedure ( LoadStaticDat ) - Module ( Module1 )\r\n"
-              "Line number:  120" +
-                  kTwentyBlanks + "Outcome: Resume\r\n" + Tail());
-}
-
-TEST_F(ErrorLogTest, EntryOverwritesTheStartAndLeavesAnOlderTail) {
-    const std::string older(2000, 'x');
-    files.addFile(kLog, older);
+    EXPECT_EQ(Log(), Entry("53 ]:  File not found", "LoadStaticDat", "Module1", "Resume", "120"));
     ErrorHandler(5, "Invalid procedure call or argument", 0, "frmscan", "ScanItems");
-    const std::string entry =
-        "Error [ 5 ]:  Invalid procedure call or argument\r\n"
-        "Location:  Procedure ( ScanItems ) - Module ( frmscan )" +
-        kTwentyBlanks + "Outcome: Resume Next\r\n" + Tail();
-    EXPECT_EQ(Log(), entry + older.substr(entry.size()));
+    EXPECT_TRUE(Log().starts_with(
+        Entry("5 ]:  Invalid procedure call or argument", "ScanItems", "frmscan", "Resume Next")));
 }
 
 TEST_F(ErrorLogTest, MissingIdentityTexts) {
@@ -109,12 +98,10 @@ TEST_F(ErrorLogTest, FailedWriteIsLoggedUnderWriteErrorToLog) {
         ExitProject);
     // The caller acts on its own outcome, not on that of the failed write.
     EXPECT_EQ(ErrorOutcome, ExitProject);
-    EXPECT_EQ(Log(),
-              "Error [ 61 ]:  Disk full\r\n"
-              "Location:  Procedure ( WriteErrorToLog ) - Module ( modErrorHandler )" +
-                  kTwentyBlanks + "Outcome: Resume\r\n" + Tail());
+    EXPECT_EQ(Log(), Entry("61 ]:  Disk full", "WriteErrorToLog", "modErrorHandler", "Resume"));
 }
 
+// Without a log, or without any platform, the handler still returns an outcome.
 TEST_F(ErrorLogTest, UnwritableLogEndsItsRecursion) {
     App().DataFolder = "C:\\Missing\\";
     EXPECT_EQ(ErrorHandler(53, "File not found", 0, "m", "p"), Resume);
@@ -124,9 +111,6 @@ TEST_F(ErrorLogTest, UnwritableLogEndsItsRecursion) {
     files.lock(kLog);
     EXPECT_EQ(ErrorHandler(5, "Invalid procedure call or argument", 0, "m", "p"), ResumeNext);
     EXPECT_EQ(files.contents(kLog), "old");
-}
-
-TEST_F(ErrorLogTest, NoPlatformStillReturnsAnOutcome) {
     platform::ScopedPlatform none{platform::Platform{}};
     EXPECT_EQ(ErrorHandler(3021, "No current record", 0, "m", "p"), ResumeNext);
 }
@@ -154,17 +138,14 @@ TEST_F(ProcedureTest, ResumeRetriesWithOneEntryPerAttemptAndIsBounded) {
     // Once the retries are spent the statement is passed over and the procedure goes on.
     EXPECT_FALSE(completed);
     EXPECT_TRUE(after);
-}
 
-TEST_F(ProcedureTest, ResumeSucceedsOnALaterAttempt) {
-    Procedure proc("Module1", "Main");
-    int attempts = 0;
+    attempts = 0;
     proc.Run([&] {
         EXPECT_TRUE(proc.Step([&] {
             if (++attempts < 3) Raise(failure::kPathNotFound);
         }));
     });
-    EXPECT_EQ(attempts, 3);
+    EXPECT_EQ(attempts, 3);  // a later attempt succeeds
 }
 
 TEST_F(ProcedureTest, ResumeNextAndExitProjectContinue) {

@@ -18,16 +18,6 @@ TEST(DefinitionCompiler, SourceLinesAcceptBothLineEnds) {
     EXPECT_EQ(SourceLines("a\rb\n"), (Lines{"a\rb"}));
 }
 
-TEST(DefinitionCompiler, RecordIsLengthPrefixedStoredLine) {
-    std::string line = "Ver=1";
-    const std::string stored = Encrypt(line, kDefinitionKey);
-    const std::string record = CompileDefinitionLine("Ver=1");
-    ASSERT_EQ(record.size(), 4 + stored.size());
-    EXPECT_EQ(static_cast<unsigned char>(record[0]), stored.size());
-    EXPECT_EQ(record.substr(1, 3), std::string(3, '\0'));
-    EXPECT_EQ(record.substr(4), stored);
-}
-
 TEST(DefinitionCompiler, DumpGivesTheSourceBackAndFlagsATruncatedEnd) {
     const std::string bytes = CompileDefinitionSource("[MD5]\r\nab|Name  \n\n[End]\n");
     DumpedDefinitions dumped = DumpDefinitionRecords(bytes);

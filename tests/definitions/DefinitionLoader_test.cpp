@@ -166,7 +166,16 @@ TEST_F(DefinitionLoaderTest, EachSectionFillsItsTableInFileOrder) {
     EXPECT_EQ(t.DoNotUnRegisterDefs.Items, (Lines{"abc|0", ""}));
 }
 
+// MD5 lines need a separator, and Files lines without one stay.
 TEST_F(DefinitionLoaderTest, MissingEndLeavesTwoSectionsOnAndTheEarlierOneTakesTheLines) {
+    Defs("[MD5]\nno separator\nbbbb|B\n[End]\n[Files]\nA|a.exe\nNoSeparator\nB|b.exe\n[End]\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(t.Md5Index.Count, 1);
+    EXPECT_EQ(Filled(t.FileDefs), (Lines{"NoSeparator", "a.exe|A", "b.exe|B"}));
+    EXPECT_EQ(t.FileIndex[3].FileName, "b.exe");
+    // The column swap of the line without "|" fails as a subscript and goes on.
+    EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
+
     Defs(
         "[Files]\nF1|f1.exe\n[CLSID]\nF2|f2.exe\n[End]\n"
         "[Registry]\n[Startup]\nS1|s1.exe\n[End]\nafter|end\n"
@@ -179,16 +188,6 @@ TEST_F(DefinitionLoaderTest, MissingEndLeavesTwoSectionsOnAndTheEarlierOneTakesT
     // [DoNotUnRegister] files a line apart, so it lands in the open section as well.
     EXPECT_EQ(t.DoNotUnRegisterDefs.Items, (Lines{"d41d|0", ""}));
     EXPECT_EQ(t.ItemListDefs.Items, (Lines{"d41d|0", ""}));
-}
-
-TEST_F(DefinitionLoaderTest, Md5LinesNeedASeparatorAndFilesLinesWithoutOneStay) {
-    Defs("[MD5]\nno separator\nbbbb|B\n[End]\n[Files]\nA|a.exe\nNoSeparator\nB|b.exe\n[End]\n");
-    LoadReferenceFiles();
-    EXPECT_EQ(t.Md5Index.Count, 1);
-    EXPECT_EQ(Filled(t.FileDefs), (Lines{"NoSeparator", "a.exe|A", "b.exe|B"}));
-    EXPECT_EQ(t.FileIndex[3].FileName, "b.exe");
-    // The column swap of the line without "|" fails as a subscript and goes on.
-    EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
 }
 
 // --- Sorting and the indexes ---------------------------------------------------------------
@@ -233,6 +232,19 @@ TEST_F(DefinitionLoaderTest, VersionsAndReload) {
     EXPECT_EQ(App().StaticDefinitionVer, "old static");
     EXPECT_EQ(App().DefinitionDate, "new date");
     EXPECT_EQ(Value("StaticDAT"), "old static");
+
+    EXPECT_EQ(ErrorLog().find("Error [ 9 ]"), std::string::npos);
+    // A data line starting with "Ver" is filed and read as a version too; without "=" the
+    // read fails, is logged, and the load goes on.
+    Defs("Ver=kept\n[Startup]\nVerminator|v.exe\n[End]\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(App().DefinitionDate, "kept");
+    EXPECT_EQ(t.StartupDefs[0], "Verminator|v.exe");
+    EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
+    Defs("Ver=date\n[Startup]\nVer|=dummy.exe\n[End]\n");
+    LoadReferenceFiles();
+    EXPECT_EQ(t.StartupDefs[0], "Ver|=dummy.exe");
+    EXPECT_EQ(App().DefinitionDate, "dummy.exe");
 }
 
 // The yields count the steps of the classic algorithm, so they pin its pivot: the middle
@@ -248,43 +260,21 @@ TEST(QuickSortMe, PivotIsTheMiddleRoundedHalfToEven) {
 
 TEST(QuickSortMe, SortsDeepInputsWithoutExhaustingTheStack) {
     std::mt19937 random(7);
-    Lines lines;
+    Lines shuffled, same(200000, "same"), descending, empty;
     for (int i = 0; i < 5000; ++i)
-        lines.push_back(std::to_string(random() % 700));
-    QuickSortMe(lines, -1, -1);
-    EXPECT_TRUE(std::is_sorted(lines.begin(), lines.end()));
-    Lines same(200000, "same");
-    QuickSortMe(same, -1, -1);
-    Lines descending;
+        shuffled.push_back(std::to_string(random() % 700));
     for (int i = 200000; i > 0; --i)
         descending.push_back(std::to_string(1000000 + i));
-    QuickSortMe(descending, -1, -1);
-    EXPECT_TRUE(std::is_sorted(descending.begin(), descending.end()));
-    Lines empty;
-    QuickSortMe(empty, -1, -1);
+    for (Lines* lines : {&shuffled, &same, &descending, &empty}) {
+        QuickSortMe(*lines, -1, -1);
+        EXPECT_TRUE(std::is_sorted(lines->begin(), lines->end()));
+    }
     EXPECT_TRUE(empty.empty());
-}
-
-// --- Versions --------------------------------------------------------------------------
-
-// A data line starting with "Ver" is filed and read as a version too; without "=" the
-// read fails, is logged, and the load goes on.
-TEST_F(DefinitionLoaderTest, DataLinesStartingWithVerAreFiledAndReadAsVersions) {
-    Defs("Ver=kept\n[Startup]\nVerminator|v.exe\n[End]\n");
-    LoadReferenceFiles();
-    EXPECT_EQ(App().DefinitionDate, "kept");
-    EXPECT_EQ(t.StartupDefs[0], "Verminator|v.exe");
-    EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
-
-    Defs("Ver=date\n[Startup]\nVer|=dummy.exe\n[End]\n");
-    LoadReferenceFiles();
-    EXPECT_EQ(t.StartupDefs[0], "Ver|=dummy.exe");
-    EXPECT_EQ(App().DefinitionDate, "dummy.exe");
 }
 
 // --- Damaged files -----------------------------------------------------------------------
 
-TEST_F(DefinitionLoaderTest, UndecipherableRecordsAreDataInTheOpenSection) {
+TEST_F(DefinitionLoaderTest, UndecipherableRecordsAreDataAndAnIncompleteOneEndsTheFile) {
     std::string otherKey = "Under another key";
     std::string bytes = CompileDefinitionSource("[Startup]");
     bytes += Record(Encrypt(otherKey, "Other"));
@@ -299,9 +289,7 @@ TEST_F(DefinitionLoaderTest, UndecipherableRecordsAreDataInTheOpenSection) {
             EXPECT_EQ(table->Count, 0);
         }
     }
-}
-
-TEST_F(DefinitionLoaderTest, AnIncompleteRecordEndsTheFile) {
+    // An incomplete record ends the file.
     const std::string good = CompileDefinitionSource("[Startup]\nS1|one\nS2|two");
     const std::string tails[] = {
         good.substr(0, good.size() - 1),        // last record cut short

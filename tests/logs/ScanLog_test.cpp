@@ -71,10 +71,7 @@ class ScanLogTest : public testing::LogTest {
 
 TEST_F(ScanLogTest, EachActionWordWritesItsRecordUnderTheLogKey) {
     const std::string at = kLocation + ": " + kItem;
-    const struct {
-        const char* action;
-        std::string expected;
-    } cases[] = {
+    const std::pair<const char*, std::string> cases[] = {
         {"Command", Opening() + "Scan started by command: " + kName + Closing()},
         {"Scheduled", Opening() + "Scheduled scan started." + Closing()},
         {"Start R", Opening() + "Registry scan started." + Closing()},
@@ -95,13 +92,11 @@ TEST_F(ScanLogTest, EachActionWordWritesItsRecordUnderTheLogKey) {
         {"LSP", Opening() + "Winsock provider: " + kLocation + " : " + kItem +
                     "\r\nThreat name: " + kName + Closing()},
     };
-    for (const auto& c : cases) {
+    for (const auto& [action, expected] : cases) {
         files.addFile(kLoggedTxt, "");
         AddRows(1);  // "delete" takes a row away
-        EXPECT_EQ(Write(c.action, VbTrue, 1), VbTrue) << c.action;
-        const auto records = LoggedRecords();
-        ASSERT_EQ(records.size(), 1u) << c.action;
-        EXPECT_EQ(records[0], c.expected) << c.action;
+        EXPECT_EQ(Write(action, VbTrue, 1), VbTrue) << action;
+        EXPECT_EQ(LoggedRecords(), std::vector<std::string>{expected}) << action;
     }
 }
 
@@ -176,7 +171,7 @@ TEST_F(ScanLogTest, AnAllowedFindingIsLoggedAsSuchAndNotListedWhateverTheWordOrL
               Opening() + "Allowed item, not listed: " + kLocation + ": " + kItem + Closing());
 }
 
-TEST_F(ScanLogTest, FileInListNotFoundRemovesTheRowAndLeavesTheBar) {
+TEST_F(ScanLogTest, FileInListNotFoundRemovesTheRowAndManualRemovalOnlyAdvancesTheBar) {
     AddRows(3);
     FrmRemoval& form = RemovalWindow(3);
     Write("File In List Not Found", VbTrue, 2);
@@ -185,6 +180,20 @@ TEST_F(ScanLogTest, FileInListNotFoundRemovesTheRowAndLeavesTheBar) {
     EXPECT_EQ(ScumListOfRun().row(2).item, "file3");
     EXPECT_EQ(form.pb1.Value, 0);
     EXPECT_EQ(files.contents(kLoggedTxt), "");
+
+    // A manual removal advances the bar, but keeps row and window, cancelled or not.
+    RemovalWindow(2);
+    App().RemovalCancelled = VbTrue;
+    Write("Manual Intervention Required", VbTrue, 2);
+    EXPECT_EQ(form.pb1.Value, 1);
+    EXPECT_TRUE(form.PlayGif1.Playing);
+    Write("Manual Intervention Required", VbTrue, 1);
+    EXPECT_EQ(form.pb1.Value, 2);
+    EXPECT_FALSE(form.PlayGif1.Playing);
+    Write("Manual Intervention Required", VbTrue, 1);
+    EXPECT_EQ(form.pb1.Value, 2);  // never past the end
+    EXPECT_TRUE(ui::IsLoaded<FrmRemoval>());
+    EXPECT_EQ(ScumListOfRun().count(), 2);
 }
 
 TEST_F(ScanLogTest, DeleteRemovesTheRowAndTheLastOneClosesTheWindow) {
@@ -219,22 +228,6 @@ TEST_F(ScanLogTest, DeleteAfterACancelStillRemovesAndLogsButLeavesTheWindow) {
     EXPECT_TRUE(ui::IsLoaded<FrmRemoval>());
     EXPECT_EQ(form.pb1.Value, 0);
     EXPECT_TRUE(form.pb1.Visible);
-}
-
-TEST_F(ScanLogTest, ManualRemovalAdvancesTheBarButKeepsRowAndWindow) {
-    AddRows(2);
-    FrmRemoval& form = RemovalWindow(2);
-    App().RemovalCancelled = VbTrue;  // this word does not look at the flag
-    Write("Manual Intervention Required", VbTrue, 2);
-    EXPECT_EQ(form.pb1.Value, 1);
-    EXPECT_TRUE(form.PlayGif1.Playing);
-    Write("Manual Intervention Required", VbTrue, 1);
-    EXPECT_EQ(form.pb1.Value, 2);
-    EXPECT_FALSE(form.PlayGif1.Playing);
-    Write("Manual Intervention Required", VbTrue, 1);
-    EXPECT_EQ(form.pb1.Value, 2);  // never past the end
-    EXPECT_TRUE(ui::IsLoaded<FrmRemoval>());
-    EXPECT_EQ(ScumListOfRun().count(), 2);
 }
 
 TEST_F(ScanLogTest, FailuresAfterOpeningAreSilentAndKeepTheFindingUnlisted) {

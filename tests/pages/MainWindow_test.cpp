@@ -36,12 +36,5 @@ TEST_F(MainWindowTest, ActionsLoadsAllowedListDefinitionsAndBackupsAndCreatesThe
     EXPECT_EQ(host.MousePointer(), ui::pointer::kArrow);
 }
 
-TEST_F(MainWindowTest, ActionsWithoutDefinitionsLeavesTheScanButtonOff) {
-    frmmain().actions();
-    EXPECT_FALSE(frmmain().Image2.Enabled);
-    EXPECT_EQ(frmmain().Image2.Picture, 14);
-    EXPECT_EQ(host.Messages().size(), 1u);
-}
-
 }  // namespace
 }  // namespace orvex

@@ -63,21 +63,17 @@ TEST_F(ComScanTest, ValueNameIsFoundAndAKeyOfTheSameNameWins) {
     EXPECT_EQ(Found(), expected);
 }
 
-TEST_F(ComScanTest, ValueDataDecidesByItsTextForm) {
+TEST_F(ComScanTest, ValueDataDecidesByItsTextFormAndAnEmptyClsidFindsNothing) {
     const std::string toolbar = "SOFTWARE\\Microsoft\\Internet Explorer\\Toolbar";
     registry.setString(Hive::LocalMachine, toolbar, kClsid, "");
     registry.setBinary(Hive::LocalMachine, "SOFTWARE", kClsid, "");
     registry.setDword(Hive::CurrentUser, "SOFTWARE", kClsid, 0);
+    registry.addKey(Hive::ClassesRoot, "CLSID\\Anything");
+    Locate("");  // an empty CLSID finds nothing
     Locate();
     const std::vector<std::pair<std::string, std::string>> expected = {
         {"HKEY_CURRENT_USER\\SOFTWARE\\", "Registry(Value)"}};
     EXPECT_EQ(Found(), expected);
-}
-
-TEST_F(ComScanTest, EmptyClsidFindsNothing) {
-    registry.addKey(Hive::ClassesRoot, "CLSID\\Anything");
-    Locate("");
-    EXPECT_EQ(ScumListOfRun().count(), 0);
 }
 
 TEST_F(ComScanTest, StopAtARowsYieldEndsTheWalkWithoutItsFinding) {
@@ -93,23 +89,20 @@ TEST_F(ComScanTest, StopAtARowsYieldEndsTheWalkWithoutItsFinding) {
 }
 
 TEST_F(ComScanTest, ExtractFileNameSpecialCases) {
-    EXPECT_EQ(ExtractFileNameSpecial("c:/windows/system/x.dll"), "x.dll");
-    EXPECT_EQ(ExtractFileNameSpecial("c:/windows/"), "");
-    EXPECT_EQ(ExtractFileNameSpecial("Module \\rest"), "Module");
-    EXPECT_EQ(ExtractFileNameSpecial("ab\\c"), "a");
-    EXPECT_EQ(ExtractFileNameSpecial("plain.dll"), "plain.dll");
-}
-
-TEST_F(ComScanTest, ModuleUsageMissingKeyIsNoFailure) {
-    testing::PlantNames({{"x.dll", "Bad"}});
-    EnumerateSpecialKeys();
-    EXPECT_EQ(ScumListOfRun().count(), 0);
-    EXPECT_FALSE(files.exists(kErrorLog));
+    EXPECT_EQ((std::vector<std::string>{
+                  ExtractFileNameSpecial("c:/windows/system/x.dll"),
+                  ExtractFileNameSpecial("c:/windows/"), ExtractFileNameSpecial("Module \\rest"),
+                  ExtractFileNameSpecial("ab\\c"), ExtractFileNameSpecial("plain.dll")}),
+              (std::vector<std::string>{"x.dll", "", "Module", "a", "plain.dll"}));
 }
 
 // An entry whose file has gone is found by name under each threat; a digest hit wins over
 // the name; names above ASCII are lower-cased as ANSI.
 TEST_F(ComScanTest, ModuleUsageEntriesByDigestOrByName) {
+    testing::PlantNames({{"x.dll", "Bad"}});
+    EnumerateSpecialKeys();  // a missing key is no failure
+    EXPECT_EQ(ScumListOfRun().count(), 0);
+    EXPECT_FALSE(files.exists(kErrorLog));
     ModuleEntry("c:/windows/system/BAD.dll");
     ModuleEntry("c:/windows/system/good.dll");
     files.addFile("C:\\Win\\hashed.dll", "payload");

@@ -52,6 +52,13 @@ class MemoryScanTest : public testing::ScanTest {
         ScumListOfRun().setChecked(ScumListOfRun().count(), true);
     }
     static const ScumList& Rows() { return ScumListOfRun(); }
+    // Whether each process still runs.
+    std::vector<bool> Running(std::initializer_list<std::uint32_t> ids) {
+        std::vector<bool> out;
+        for (std::uint32_t id : ids)
+            out.push_back(processes.running(id));
+        return out;
+    }
 
     std::vector<std::string> LogRecords() {
         std::vector<std::string> records;
@@ -66,14 +73,14 @@ class MemoryScanTest : public testing::ScanTest {
 
 // A few families, and the fallback for versions the table does not know.
 TEST_F(MemoryScanTest, FamilyFromPlatformIdAndVersion) {
-    processes.setOsVersion(1, 4, 90);
-    EXPECT_EQ(clsRunProc().OS(), 4);
-    processes.setOsVersion(2, 5, 2);
-    EXPECT_EQ(clsRunProc().OS(), 5);
-    processes.setOsVersion(2, 6, 0);
-    EXPECT_EQ(clsRunProc().OS(), oskind::kUnknown);
+    std::vector<int> families;
+    for (const auto& [id, major, minor] : {std::tuple(1, 4, 90), {2, 5, 2}, {2, 6, 0}}) {
+        processes.setOsVersion(id, major, minor);
+        families.push_back(clsRunProc().OS());
+    }
     processes.failOsVersion();
-    EXPECT_EQ(clsRunProc().OS(), oskind::kUnknown);
+    families.push_back(clsRunProc().OS());
+    EXPECT_EQ(families, (std::vector<int>{4, 5, oskind::kUnknown, oskind::kUnknown}));
 }
 
 TEST_F(MemoryScanTest, NtListGivesIdAndTrimmedPathAndLeavesOutUnreadableProcesses) {
@@ -158,12 +165,16 @@ TEST_F(MemoryScanTest, KillModeEndsTheProcessesOfCheckedMemoryRowsById) {
     const auto onDisk = Run("C:\\Apps\\disk.exe");  // a checked row of another stage
     ScumListDetailsAdd("Disk", "FileSystem", "C:\\Apps\\", "disk.exe", "");
     ScumListOfRun().setChecked(ScumListOfRun().count(), true);
+    // A process refusing to end stops nothing.
+    const auto guarded = Run("C:\\Apps\\guarded.exe");
+    const auto afterGuarded = Run("C:\\Apps\\bad.exe");
+    processes.protect(guarded);
+    Check("Guarded", "guarded.exe");
+    Check("Bad", "bad.exe");
     Scan(VbTrue);
-    EXPECT_TRUE(processes.running(first));  // the first entry is never ended
-    EXPECT_FALSE(processes.running(evil));
-    EXPECT_TRUE(processes.running(kept));
-    EXPECT_FALSE(processes.running(other));
-    EXPECT_TRUE(processes.running(onDisk));
+    // The first entry is never ended.
+    EXPECT_EQ(Running({first, evil, kept, other, onDisk, guarded, afterGuarded}),
+              (std::vector<bool>{true, false, true, false, true, true, false}));
     EXPECT_TRUE(LogRecords().empty());  // kill mode logs no start
 }
 
@@ -176,10 +187,7 @@ TEST_F(MemoryScanTest, KillModeOnNineXEndsEveryProcessWhosePathEndsInTheName) {
     const auto clean = run9x("C:\\APPS\\CLEAN.EXE");
     Check("App", "app.exe");
     Scan(VbTrue);
-    EXPECT_TRUE(processes.running(first));
-    EXPECT_FALSE(processes.running(app));
-    EXPECT_FALSE(processes.running(myApp));
-    EXPECT_TRUE(processes.running(clean));
+    EXPECT_EQ(Running({first, app, myApp, clean}), (std::vector<bool>{true, false, false, true}));
 }
 
 TEST_F(MemoryScanTest, KillAppReportsWhetherAnyMatchedAndIgnoresAnEmptyName) {
@@ -195,47 +203,29 @@ TEST_F(MemoryScanTest, KillAppReportsWhetherAnyMatchedAndIgnoresAnEmptyName) {
     EXPECT_FALSE(processes.running(app));
 }
 
-TEST_F(MemoryScanTest, ProcessRefusingToEndStopsNothing) {
-    Run("C:\\Apps\\first.exe");
-    const auto guarded = Run("C:\\Apps\\evil.exe");
-    const auto second = Run("C:\\Apps\\bad.exe");
-    processes.protect(guarded);
-    Check("Evil", "evil.exe");
-    Check("Bad", "bad.exe");
-    Scan(VbTrue);
-    EXPECT_TRUE(processes.running(guarded));
-    EXPECT_FALSE(processes.running(second));
-}
-
 // ---------------------------------------------------------------------------------------
 // Surveillance agent
 
 TEST_F(MemoryScanTest, AgentIsKnownByEitherDigestOrElseByItsFolder) {
-    EXPECT_TRUE(IsSurveillanceAgentImage("29a38b50b102abc3b818100fc836868d", "C:\\Apps\\"));
-    EXPECT_FALSE(IsSurveillanceAgentImage("EED8E968A40F91E20800FEE118D0B718", "C:\\Apps\\"));
-    EXPECT_TRUE(IsSurveillanceAgentImage("", "C:\\Program Files\\SpyAgent4\\"));
-    EXPECT_FALSE(IsSurveillanceAgentImage("", "C:\\Program Files\\Spy Agent\\"));
+    EXPECT_EQ((std::vector<bool>{
+                  IsSurveillanceAgentImage("29a38b50b102abc3b818100fc836868d", "C:\\Apps\\"),
+                  IsSurveillanceAgentImage("EED8E968A40F91E20800FEE118D0B718", "C:\\Apps\\"),
+                  IsSurveillanceAgentImage("", "C:\\Program Files\\SpyAgent4\\"),
+                  IsSurveillanceAgentImage("", "C:\\Program Files\\Spy Agent\\")}),
+              (std::vector<bool>{true, false, true, false}));
 }
 
 TEST_F(MemoryScanTest, AgentInAFolderNamedAfterItIsEndedAndLoggedWithoutARow) {
-    Run("C:\\Apps\\first.exe");
     files.addFolder("C:\\Program Files\\SpyAgent");
+    const auto first = Run("C:\\Program Files\\SpyAgent\\first.exe");  // passed over
     const auto agent = Run("C:\\Program Files\\SpyAgent\\sa.exe");
     const auto gone = processes.addProcess("C:\\Program Files\\SpyAgent\\old.exe");
     const auto other = Run("C:\\Apps\\editor.exe");
     RemoveSurveillanceAgent();
-    EXPECT_FALSE(processes.running(agent));
-    EXPECT_FALSE(processes.running(gone));  // no image on the disk: the folder decides
-    EXPECT_TRUE(processes.running(other));
+    // The agent whose image is gone from the disk is known by its folder.
+    EXPECT_EQ(Running({first, agent, gone, other}), (std::vector<bool>{true, false, false, true}));
     EXPECT_TRUE(Rows().empty());
     EXPECT_EQ(LogRecords().size(), 2u);
-}
-
-TEST_F(MemoryScanTest, AgentAsFirstListedProcessIsPassedOver) {
-    files.addFolder("C:\\spyagent");
-    const auto agent = Run("C:\\spyagent\\sa.exe");
-    RemoveSurveillanceAgent();
-    EXPECT_TRUE(processes.running(agent));
 }
 
 TEST_F(MemoryScanTest, AgentOnNineXIsEndedByName) {

@@ -65,11 +65,10 @@ TEST_F(StartupScanTest, RunValuesAreJudgedByNameFileAndDigestOnEitherRoot) {
     Lines(Definitions().StartupDefs,
           {"Spy|updater", "no bar here", "BadThing|other.exe", "FileThreat|X.EXE"});
     StartupRegistry();
-    const std::vector<Row> expected = {{kHklmRun, "Updater", "Spy"},
-                                       {kHklmRun, "Runner", "FileThreat"},
-                                       {kHkcuRun, "BadThing", "BadThing"},
-                                       {kHkcuRun, "Loader", "DllThreat"}};
-    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(Found(), (std::vector<Row>{{kHklmRun, "Updater", "Spy"},
+                                         {kHklmRun, "Runner", "FileThreat"},
+                                         {kHkcuRun, "BadThing", "BadThing"},
+                                         {kHkcuRun, "Loader", "DllThreat"}}));
     EXPECT_EQ(App().ItemsScanned, 5);
     EXPECT_EQ(frmscan().lbl3.Caption, "Files checked: 5");
 }
@@ -95,10 +94,9 @@ TEST_F(StartupScanTest, ShortNamesAreLengthenedPerRootInItsOwnOrder) {
     RunValue(Hive::LocalMachine, "Bare", shortName);
     RunValue(Hive::CurrentUser, "Quoted", "\"" + shortName + "\"");
     StartupRegistry();
-    const std::vector<Row> expected = {{kHklmRun, "Quoted", "HashThreat"},
-                                       {kHklmRun, "Bare", "NameThreat"},
-                                       {kHkcuRun, "Quoted", "NameThreat"}};
-    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(Found(), (std::vector<Row>{{kHklmRun, "Quoted", "HashThreat"},
+                                         {kHklmRun, "Bare", "NameThreat"},
+                                         {kHkcuRun, "Quoted", "NameThreat"}}));
 }
 
 TEST_F(StartupScanTest, EveryMatchingLineReportsAndTheDigestWalkWaitsForNone) {
@@ -106,8 +104,7 @@ TEST_F(StartupScanTest, EveryMatchingLineReportsAndTheDigestWalkWaitsForNone) {
     RunValue(Hive::LocalMachine, "Evil", "C:\\t\\evil.exe");
     Lines(Definitions().StartupDefs, {"One|evil", "Two|other", "Evil|x"});
     StartupRegistry();
-    const std::vector<Row> expected = {{kHklmRun, "Evil", "One"}, {kHklmRun, "Evil", "Evil"}};
-    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(Found(), (std::vector<Row>{{kHklmRun, "Evil", "One"}, {kHklmRun, "Evil", "Evil"}}));
 }
 
 TEST_F(StartupScanTest, OddDataTypesAndNamesNeverStopTheWalk) {
@@ -118,9 +115,8 @@ TEST_F(StartupScanTest, OddDataTypesAndNamesNeverStopTheWalk) {
     RunValue(Hive::CurrentUser, "Last", "c:\\nothing.exe");
     Lines(Definitions().StartupDefs, {"Accent|\xE9T\xC9", "LastOne|last"});
     StartupRegistry();
-    const std::vector<Row> expected = {{kHklmRun, "\xC9t\xE9", "Accent"},
-                                       {kHkcuRun, "Last", "LastOne"}};
-    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(Found(),
+              (std::vector<Row>{{kHklmRun, "\xC9t\xE9", "Accent"}, {kHkcuRun, "Last", "LastOne"}}));
     EXPECT_EQ(App().ItemsScanned, 5);
 }
 
@@ -133,8 +129,7 @@ TEST_F(StartupScanTest, StopInTheSecondRootsWalkEndsTheScanAndAnEarlierStopIsCle
     // Yields 1 to 4 are A's and its three lines; 5 is C's, 6 C's first line.
     host.AtYield(6, [] { App().StopRequested = VbTrue; });
     StartupRegistry();
-    const std::vector<Row> expected = {{kHklmRun, "A", "T"}};
-    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(Found(), (std::vector<Row>{{kHklmRun, "A", "T"}}));
     EXPECT_EQ(App().ItemsScanned, 2);
 }
 
@@ -144,9 +139,8 @@ TEST_F(StartupScanTest, UninstallSubkeysAreFoundUnderEachListingThreat) {
     Lines(Definitions().AddRemoveDefs, {"One|badtoolbar", "bare line", "Two|BadToolbar"});
     AddRemoveRegistry();
     const std::string location = "HKEY_LOCAL_MACHINE\\" + kUninstall;
-    const std::vector<Row> expected = {{location, "badtoolbar", "One"},
-                                       {location, "BadToolbar", "Two"}};
-    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(Found(),
+              (std::vector<Row>{{location, "badtoolbar", "One"}, {location, "BadToolbar", "Two"}}));
     EXPECT_EQ(App().ItemsScanned, 2);
     EXPECT_EQ(frmscan().lbl3.Caption, "Files checked: 2");
 }
@@ -172,10 +166,9 @@ TEST_F(StartupScanTest, SharedDllsByDigestThenByBareName) {
     SharedDLLRegistry();
     const std::string location = "HKEY_LOCAL_MACHINE\\" + kShared;
     // No [Exclusion] line holds these names: the listed name alone is the finding.
-    const std::vector<Row> expected = {{location, "C:\\Win\\hashed.dll", "ByHash"},
-                                       {location, "C:\\Gone\\NAMED.dll", "NameOne"},
-                                       {location, "C:\\Gone\\NAMED.dll", "NameTwo"}};
-    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(Found(), (std::vector<Row>{{location, "C:\\Win\\hashed.dll", "ByHash"},
+                                         {location, "C:\\Gone\\NAMED.dll", "NameOne"},
+                                         {location, "C:\\Gone\\NAMED.dll", "NameTwo"}}));
     EXPECT_EQ(App().ItemsScanned, 4);
 }
 
