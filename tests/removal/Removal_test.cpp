@@ -67,7 +67,8 @@ TEST_F(RemovalTest, TheRemoveButtonEndsEachKindOfRowAsItsWordSays) {
     EXPECT_FALSE(IsTrue(App().RestartNeeded));
     LoadBackupDat();
     ASSERT_EQ(BackupRecords().Count(), 3);
-    EXPECT_EQ(BackupRecords()[1].OldName, "Start Page");  // the last row goes first
+    // The last row goes first; a value's backup is its whole key.
+    EXPECT_EQ(BackupRecords()[1].OldName, "HKEY_CURRENT_USER\\Software\\Browser\\Main");
     EXPECT_EQ(BackupRecords()[2].OldName, "HKEY_LOCAL_MACHINE\\Software\\Spy");
     EXPECT_EQ(BackupRecords()[2].OldLocation, "^");
     const BackupRecord& file = BackupRecords()[3];
