@@ -119,6 +119,12 @@ std::string_view TrimRight(std::string_view s) {
     return s;
 }
 
+std::string Quote(std::string_view text) {
+    std::string quoted(1, '"');
+    quoted.append(text) += '"';
+    return quoted;
+}
+
 bool StartsWithNoCase(std::string_view text, std::string_view prefix) {
     return text.size() >= prefix.size() && EqualsNoCase(text.substr(0, prefix.size()), prefix);
 }
@@ -179,7 +185,7 @@ class Reader {
         const std::string_view path =
             hiveName.size() < name.size() ? name.substr(hiveName.size() + 1) : std::string_view();
         const auto hive = HiveNamed(hiveName);
-        if (!hive) return fail("unknown root \"" + std::string(hiveName) + "\"");
+        if (!hive) return fail("unknown root " + Quote(hiveName));
         if (!IsValidPath(path) || (path.empty() && hiveName.size() < name.size()))
             return fail("the key path has an empty part");
         keys_.push_back(RegFileKey{*hive, std::string(path), {}});
@@ -281,7 +287,7 @@ class Reader {
             const std::string_view piece = TrimRight(TrimLeft(list.substr(start, comma - start)));
             if (comma == list.npos && piece.empty() && start > 0) return true;  // a final ","
             const auto byte = piece.size() <= 2 ? HexNumber(piece) : std::nullopt;
-            if (!byte) return fail("\"" + std::string(piece) + "\" is no hex byte");
+            if (!byte) return fail(Quote(piece) + " is no hex byte");
             out += static_cast<char>(*byte);
             if (comma == list.npos) return true;
             start = comma + 1;

@@ -19,7 +19,7 @@ constexpr Hive kUser = Hive::CurrentUser;
 const std::string kKey = "Software\\OrvexSentryBackupTest";
 
 // Runs a program of the system folder to its end; its exit code, or -1.
-int Run(std::string commandLine) {
+int RunToEnd(std::string commandLine) {
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION started{};
@@ -68,7 +68,7 @@ class RegistryBackupTest : public ::testing::Test {
     // The key as `reg export` writes it.
     std::string Export(const std::string& name) {
         const std::string file = dir + "\\" + name;
-        EXPECT_EQ(Run("reg.exe export HKCU\\" + kKey + " \"" + file + "\" /y"), 0);
+        EXPECT_EQ(RunToEnd("reg.exe export HKCU\\" + kKey + " \"" + file + "\" /y"), 0);
         std::ifstream in(file, std::ios::binary);
         return {std::istreambuf_iterator<char>(in), {}};
     }
@@ -104,7 +104,9 @@ TEST_F(RegistryBackupTest, RegeditImportsTheBackup) {
     const std::string before = Export("before.reg");
     ASSERT_TRUE(RegistryHelper().SaveKey(kUser, kKey, backup));
     ASSERT_EQ(Registry().deleteTree(kUser, kKey), regstatus::kOk);
-    EXPECT_EQ(Run("\"" + std::string(regedit) + "\" /s \"" + backup + "\""), 0);
+    std::string command = "\"";
+    command.append(regedit).append("\" /s \"").append(backup) += '"';
+    EXPECT_EQ(RunToEnd(command), 0);
     EXPECT_EQ(Export("imported.reg"), before);
 }
 
