@@ -14,7 +14,7 @@ LAYERS=(
     "stores"
     "logs"
     "scan"
-    "removal services"  # to come
+    "removal services"  # services: to come
     "pages"
     "app"
     "apps"

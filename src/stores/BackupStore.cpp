@@ -105,6 +105,12 @@ std::string BackupDatPath() {
 
 std::string BackupStem() {
     const std::string ticks = std::to_string(platform::Sys().tickCount());
+    // Eight digits of ticks leave no room for the count, so the folder's files need not be
+    // counted (a listing per backup made a removal quadratic); it must still be there.
+    if (ticks.size() >= kStemLength) {
+        if (!platform::Files().folderExists(App().BackupFolder)) Raise(failure::kPathNotFound);
+        return Left(ticks, kStemLength);
+    }
     return Left(ticks + std::to_string(BackupFolderFileCount()), kStemLength);
 }
 
