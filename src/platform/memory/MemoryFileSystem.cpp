@@ -15,6 +15,7 @@ struct MemoryFileSystem::Node {
     bool folder = false;
     std::uint32_t attributes = 0;  // without the directory and normal bits
     bool locked = false;
+    bool undeletable = false;
     std::shared_ptr<std::string> bytes = std::make_shared<std::string>();
     std::vector<std::unique_ptr<Node>> children;
 
@@ -357,6 +358,7 @@ void MemoryFileSystem::remove(std::string_view path) {
     if (node == nullptr) Raise(failure::kFileNotFound);
     if (at.parent == nullptr) Raise(failure::kPathFileAccess);
     if (node->locked) Raise(failure::kPermissionDenied);
+    if (node->undeletable) Raise(failure::kPathFileAccess);
     if (node->folder ? !node->children.empty() : (node->attributes & attr::kReadOnly) != 0)
         Raise(failure::kPathFileAccess);
     std::erase_if(at.parent->children, [node](const auto& c) { return c.get() == node; });
@@ -454,6 +456,10 @@ void MemoryFileSystem::addFile(std::string_view path, std::string_view bytes,
 
 void MemoryFileSystem::lock(std::string_view path, bool locked) {
     requireEntry(path).locked = locked;
+}
+
+void MemoryFileSystem::denyDelete(std::string_view path) {
+    requireEntry(path).undeletable = true;
 }
 
 void MemoryFileSystem::failWrite(int nth, int number) {

@@ -110,6 +110,9 @@ class MemoryFileSystem : public FileSystem {
     // A file held open by another program: opening, copying, replacing or deleting it
     // fails with 70.
     void lock(std::string_view path, bool locked = true);
+    // A file that can be written but not deleted (as without the right to delete): remove()
+    // fails with 75.
+    void denyDelete(std::string_view path);
     // The Nth stream write from now (1 = the next) fails with `number`, once; the bytes of
     // that write are not stored. Lets a test break a rewrite half way.
     void failWrite(int nth, int number = failure::kDiskFull);
