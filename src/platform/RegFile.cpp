@@ -4,6 +4,7 @@
 
 #include <array>
 #include <charconv>
+#include <cstdio>
 
 #include "platform/AnsiCase.h"
 #include "platform/RegistryHelper.h"
@@ -46,9 +47,18 @@ void AppendQuoted(std::string& text, std::string_view raw) {
 
 std::string TypePrefix(std::uint32_t type) {
     if (type == regtype::kBinary) return "hex:";
-    char digits[8];
-    const auto end = std::to_chars(digits, digits + sizeof digits, type, 16).ptr;
-    return "hex(" + std::string(digits, end) + "):";
+    char prefix[16];
+    std::snprintf(prefix, sizeof prefix, "hex(%x):", static_cast<unsigned>(type));
+    return prefix;
+}
+
+std::string DwordText(std::string_view bytes) {
+    std::uint32_t n = 0;
+    for (std::size_t i = 4; i-- > 0;)
+        n = n << 8 | static_cast<unsigned char>(bytes[i]);
+    char text[16];
+    std::snprintf(text, sizeof text, "dword:%08x", static_cast<unsigned>(n));
+    return text;
 }
 
 // The bytes as "01,02", continued with ",\" and an indented line as regedit does.
@@ -72,14 +82,7 @@ void AppendData(std::string& text, const RegValue& value, std::size_t lineStart)
     if (value.type == regtype::kSz && !HasLineBreak(data)) {
         AppendQuoted(text, data);
     } else if (value.type == regtype::kDword && data.size() == 4) {
-        char digits[16];
-        const std::uint32_t n =
-            static_cast<unsigned char>(data[0]) | static_cast<unsigned char>(data[1]) << 8 |
-            static_cast<unsigned char>(data[2]) << 16 |
-            static_cast<std::uint32_t>(static_cast<unsigned char>(data[3])) << 24;
-        const auto end = std::to_chars(digits, digits + sizeof digits, n, 16).ptr;
-        text += "dword:";
-        text.append(8 - (end - digits), '0').append(digits, end);
+        text += DwordText(data);
     } else {
         text += TypePrefix(value.type);
         std::string bytes = value.data;
