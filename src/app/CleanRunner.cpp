@@ -4,6 +4,8 @@
 
 #include "core/AppState.h"
 #include "pages/ResultsPage.h"
+#include "platform/FileHelper.h"
+#include "platform/Platform.h"
 #include "scan/Recorder.h"
 #include "scan/RemovalProgress.h"
 #include "ui/HeadlessHost.h"
@@ -48,6 +50,13 @@ std::string OutcomeWithoutWord(const ScumRow& row) {
     return row.category == kMemoryResident ? "kept" : "failed";
 }
 
+// Start-up makes the backup folder; without it every backup copy would fail and the
+// removal would go on with no backups at all.
+void PrepareBackupFolder() {
+    const std::string& folder = App().BackupFolder;
+    if (!platform::FileHelper().FolderExists(folder)) platform::Files().createFolder(folder);
+}
+
 bool Removed(const std::string& outcome) {
     return outcome == "delete" || outcome == "File In List Not Found" || outcome == "kept";
 }
@@ -62,6 +71,7 @@ HeadlessCleanResult RunHeadlessClean(
     result.exitCode = result.scan.exitCode;
     if (result.scan.problem != ScanProblem::kNone || result.scan.findings.empty()) return result;
 
+    PrepareBackupFolder();
     ui::HeadlessHost host;
     ui::ScopedHost installed(host);
     host.DefaultAnswer(ui::msgbox::kNo);
