@@ -4,6 +4,10 @@
 # Usage: scripts/demo.sh [BUILD_DIR]   (default build/windows). Exit 0 when every planted
 # item was judged as expected and nothing else was found.
 # shellcheck disable=SC1003  # Windows paths end in a backslash inside single quotes
+#
+# Then the whole cycle: `orvex.exe clean` removes everything found with backups (a file held
+# open waits for the restart), Wine restarts, and `orvex.exe backups restore --all` puts the
+# items back; each step is checked item by item against what was planted.
 set -euo pipefail
 build=${1:-build/windows}
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -20,10 +24,11 @@ app_win='C:\Program Files\Orvex Sentry'
 app_dir="$drive_c/Program Files/Orvex Sentry"
 data_dir="$app_dir/Data"
 samples=$root/definitions/samples
-agent_pid=
+agent_pid='' holder_pid=''
 
 cleanup() {
     if [ -n "$agent_pid" ]; then kill "$agent_pid" 2>/dev/null || true; fi
+    if [ -n "$holder_pid" ]; then kill "$holder_pid" 2>/dev/null || true; fi
     if [ -d "$prefix" ]; then WINEPREFIX=$prefix wineserver -k 2>/dev/null || true; fi
 }
 trap cleanup EXIT
@@ -57,6 +62,8 @@ expect 'file, MD5' "$win\\temp\\keywatch_buffer.tmp" \
     KeyWatch FileSystem Confirmed "$win\\temp\\" keywatch_buffer.tmp
 expect 'file, MD5' "$win\\system32\\drivers\\netspy.sys (its name is listed too: one row)" \
     NetSpyRat FileSystem Confirmed "$win\\system32\\drivers\\" netspy.sys
+expect 'file, MD5' "$pf\\ClickBar\\clickbar_prefs.ini (read-only)" \
+    ClickBar FileSystem Confirmed "$pf\\ClickBar\\" clickbar_prefs.ini
 decoy 'file, MD5' "$pf\\ClickBar\\clickbar_config.txt" "listed bytes, but .txt is never hashed" \
     "$pf\\ClickBar\\" clickbar_config.txt
 decoy 'file, MD5' "$pf\\Orvex Sentry\\clickbar_config.ini" "the program's own folder is skipped" \
@@ -71,6 +78,12 @@ decoy 'file, name' "$pf\\DialMate\\dialmate.exe" "exclusion rule: outside the Wi
     "$pf\\DialMate\\" dialmate.exe
 decoy 'file, name' "$pf\\ShopSpy\\shopspy.exe" "exclusion rule: not in windows\\shopspy" \
     "$pf\\ShopSpy\\" shopspy.exe
+expect 'file, name' "$win\\shopspy\\shopspy.exe (rule: in windows\\shopspy; held open, no sharing)" \
+    ShopSpy FileSystem Confirmed "$win\\shopspy\\" shopspy.exe
+decoy 'file' "$win\\system32\\filehold.exe (the sample program, unlisted name)" "not listed" \
+    "$win\\system32\\" filehold.exe
+decoy 'process' 'filehold.exe, holding ...\shopspy\shopspy.exe open' "not listed" \
+    'C:\windows\system32\' filehold.exe
 expect 'process' 'keywatch.exe running from the system folder (the sample program)' \
     KeyWatch 'Memory Resident' Confirmed 'C:\windows\system32\' keywatch.exe
 
@@ -169,12 +182,21 @@ plant_text "$pfu/PopPal/poppal.exe"
 plant_text "$winu/dialmate.exe"
 plant_text "$pfu/DialMate/dialmate.exe"
 plant_text "$pfu/ShopSpy/shopspy.exe"
+plant_copy clickbar_config.ini "$pfu/ClickBar/clickbar_prefs.ini"
+plant_text "$winu/shopspy/shopspy.exe"
+cp "$build/apps/SampleAgent.exe" "$winu/system32/filehold.exe"
 cp "$build/apps/SampleAgent.exe" "$winu/system32/keywatch.exe"
 # The running process: the sample program under a listed name, sleeping until it is ended;
 # it also keeps Wine's server up for the steps below.
 (cd "$drive_c" && exec "$root/cmake/wine-run" 'C:\windows\system32\keywatch.exe' 600 \
     >/dev/null 2>&1) &
 agent_pid=$!
+# A second copy under a name no definition lists holds the listed shopspy.exe open without
+# sharing: the removal cannot end it, so that file's delete must wait for the restart.
+(cd "$drive_c" && exec "$root/cmake/wine-run" 'C:\windows\system32\filehold.exe' 600 \
+    'C:\windows\shopspy\shopspy.exe' >"$build/demo/holder.err" 2>&1) &
+holder_pid=$!
+wine_run attrib +r 'C:\Program Files\ClickBar\clickbar_prefs.ini' >/dev/null
 
 # Registry: one import.
 reg_file=$build/demo/planted.reg
@@ -233,6 +255,30 @@ REGEDIT4
 [HKEY_LOCAL_MACHINE\Software\Orvex Sample\First line is never tested]
 "Mode"="demo"
 EOF
+
+# A Winsock protocol catalog of five entries. An entry's PackedCatalogItem starts with its
+# provider's path as ANSI text; the made-up tail after the NUL tells the entries apart and
+# must come through the renumbering byte for byte. The third provider is a listed file.
+winsock='HKEY_LOCAL_MACHINE\System\CurrentControlSet\Services\Winsock2\Parameters'
+catalog_providers=('%SystemRoot%\system32\mswsock.dll' '%SystemRoot%\system32\mswsock.dll'
+    'C:\windows\system32\drivers\netspy.sys' '%SystemRoot%\system32\rsvpsp.dll'
+    '%SystemRoot%\system32\mswsock.dll')
+catalog_items=()  # each entry's bytes as "reg query" prints them
+for i in "${!catalog_providers[@]}"; do
+    catalog_items+=("$(printf '%s\0\1\376\377%s' "${catalog_providers[$i]}" "$((i + 1))" |
+        xxd -p -u | tr -d '\n')")
+done
+catalog_entry() { printf '%012d' "$1"; }
+{
+    printf '[%s]\r\n"Current_Protocol_Catalog"="Protocol_Catalog9"\r\n\r\n' "$winsock"
+    printf '[%s\\Protocol_Catalog9]\r\n"Num_Catalog_Entries"=dword:%08x\r\n\r\n' "$winsock" \
+        "${#catalog_items[@]}"
+    for i in "${!catalog_items[@]}"; do
+        printf '[%s\\Protocol_Catalog9\\Catalog_Entries\\%s]\r\n"PackedCatalogItem"=hex:%s\r\n\r\n' \
+            "$winsock" "$(catalog_entry $((i + 1)))" \
+            "$(sed 's/../&,/g; s/,$//' <<<"${catalog_items[$i]}" | tr 'A-F' 'a-f')"
+    done
+} >>"$reg_file"
 wine_run regedit /s "$(wine_run winepath -w "$reg_file" 2>/dev/null | tr -d '\r')"
 
 say "planted (harmless text files, registry entries and a sleeping sample program)"
@@ -245,6 +291,9 @@ for i in "${!planted_kind[@]}"; do
     fi
     printf '  %-12s %s\n  %-12s   -> %s\n' "${planted_kind[$i]}" "${planted_what[$i]}" '' "$outcome"
 done
+printf '  %-12s %s\n  %-12s   -> %s\n' 'Winsock' \
+    "protocol catalog of ${#catalog_items[@]} entries, the third with the provider ...\\netspy.sys" \
+    '' 'no finding (the catalog is read by the removal): its third entry goes'
 
 # --- The scan --------------------------------------------------------------------------------
 # Wine's z: drive is the whole Linux file system and would be walked as a fixed disk, and
@@ -274,9 +323,6 @@ seconds=$(($(date +%s) - started))
 json_status=0
 orvex_scan --json >"$out/findings.json" || json_status=$?
 tr -d '\r' <"$out/scan.err"
-kill "$agent_pid" 2>/dev/null || true
-wait "$agent_pid" 2>/dev/null || true
-agent_pid=
 
 # The findings of the JSON, one per line, columns separated by tabs.
 found_rows() {
@@ -370,8 +416,299 @@ failures=$((failures + unplanted))
 
 say "$expected_found planted finds reported, $decoys planted decoys correctly not reported," \
     "$unplanted findings that were not planted"
-if [ "$failures" -ne 0 ]; then
-    echo "demo check FAILED ($failures problems)"
+scan_failures=$failures
+if [ "$scan_failures" -ne 0 ]; then
+    echo "scan check FAILED ($scan_failures problems)"
+else
+    echo "scan check passed"
+fi
+
+# --- The whole cycle: clean, restart, restore ------------------------------------------------
+# Each check prints one line: ok, FAILED, or "expected" for what the removal cannot undo, with
+# the reason; none is skipped without a word.
+cycle_ok=0 cycle_failed=0 cycle_expected=0
+ok() { cycle_ok=$((cycle_ok + 1)) && printf '  ok       %-15s %s\n' "$1" "$2"; }
+failed() { cycle_failed=$((cycle_failed + 1)) && printf '  FAILED   %-15s %s\n' "$1" "$2"; }
+expected() {
+    cycle_expected=$((cycle_expected + 1))
+    printf '  expected %-15s %s\n           because %s\n' "$1" "$2" "$3"
+}
+# check WORD WHAT COMMAND...: ok when the command succeeds.
+check() {
+    local word=$1 what=$2
+    shift 2
+    if "$@"; then ok "$word" "$what"; else failed "$word" "$what"; fi
+}
+
+# The planted files the clean must remove, the one it can only queue, and the decoys.
+removed_files=("$pfu/ClickBar/clickbar_config.ini" "$pfu/ClickBar/clickbar_prefs.ini"
+    "$pfu/SearchWidget/searchwidget_skin.xml" "$pfu/DialMate/numbers.dat"
+    "$winu/temp/keywatch_buffer.tmp" "$winu/system32/drivers/netspy.sys" "$pfu/PopPal/poppal.exe"
+    "$winu/dialmate.exe" "$winu/system32/keywatch.exe")
+held_file=$winu/shopspy/shopspy.exe
+kept_files=("$pfu/ClickBar/clickbar_config.txt" "$app_dir/clickbar_config.ini"
+    "$pfu/DialMate/dialmate.exe" "$pfu/ShopSpy/shopspy.exe" "$winu/system32/filehold.exe")
+win_name() {
+    local path=${1#"$drive_c"/}
+    printf 'C:\\%s' "${path//\//\\}"
+}
+digest() { md5sum <"$1" | cut -c1-32; }
+
+# The planted registry items: key, tab, value name (none for a whole key).
+reg_items=(
+    "HKEY_LOCAL_MACHINE\\$run_key${tab}KeyWatch Helper"
+    "HKEY_LOCAL_MACHINE\\$run_key${tab}NetSpy Loader"
+    "HKEY_CURRENT_USER\\$run_key${tab}PopPal Agent"
+    "HKEY_LOCAL_MACHINE\\$cv\\Uninstall\\ClickBar Toolbar$tab"
+    "$shared${tab}C:\\Program Files\\Common Files\\ClickBar\\clickbar.dll"
+    "$shared${tab}C:\\Program Files\\SearchWidget\\searchwidget_skin.xml"
+    "HKEY_LOCAL_MACHINE\\$cv\\moduleusage\\C:/Program Files/SearchWidget/SearchWidget.dll$tab"
+    "HKEY_LOCAL_MACHINE\\$cv\\moduleusage\\C:/Program Files/DialMate/numbers.dat$tab"
+    "HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\CLSID\\$sw$tab"
+    "HKEY_LOCAL_MACHINE\\$cv\\explorer\\Browser Helper Objects\\$sw$tab"
+    "HKEY_CURRENT_USER\\$ie\\URLSearchHooks${tab}$sw"
+    "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Internet Explorer\\Toolbar${tab}$ns"
+    "HKEY_CURRENT_USER\\$ie\\Toolbar\\WebBrowser${tab}$cb"
+    "HKEY_LOCAL_MACHINE\\$ie\\Extensions\\$cb$tab"
+    "HKEY_LOCAL_MACHINE\\Software\\KeyWatch$tab"
+    "HKEY_CURRENT_USER\\Software\\ShopSpy\\Settings$tab"
+    "HKEY_CLASSES_ROOT\\DialMate.Connector\\CLSID$tab"
+    "HKEY_CURRENT_USER\\$ie\\Main${tab}Start Page"
+)
+kept_key='HKEY_LOCAL_MACHINE\Software\Orvex Sample\First line is never tested'
+reg_has() {
+    if [ -n "${2:-}" ]; then
+        wine_run reg query "$1" /v "$2" >/dev/null 2>&1
+    else
+        wine_run reg query "$1" >/dev/null 2>&1
+    fi
+}
+reg_label() { if [ -n "$2" ]; then printf '%s "%s"' "$1" "$2"; else printf '%s' "$1"; fi; }
+
+# The keys that hold the planted items, each exported whole before the clean and after the
+# restore (reg export writes them in a stable order).
+export_keys=()
+declare -A exported=()
+for entry in "${reg_items[@]}"; do
+    key=${entry%%"$tab"*}
+    [ -n "${exported[$key]:-}" ] || export_keys+=("$key")
+    exported[$key]=1
+done
+exports=$drive_c/demo-exports
+mkdir -p "$exports"
+export_all() {
+    for i in "${!export_keys[@]}"; do
+        rm -f "$exports/$1-$i.reg"
+        wine_run reg export "${export_keys[$i]}" "C:\\demo-exports\\$1-$i.reg" /y >/dev/null 2>&1 ||
+            true
+    done
+}
+
+# The protocol catalog's entries, one line each: entry name, a blank, the bytes in hex.
+catalog_now() {
+    wine_run reg query "$winsock\\Protocol_Catalog9\\Catalog_Entries" /s 2>/dev/null | tr -d '\r' |
+        awk '/^HKEY_/ { n = split($0, part, "\\"); entry = part[n] }
+             $1 == "PackedCatalogItem" { print entry " " $3 }'
+}
+catalog_count() {
+    wine_run reg query "$winsock\\Protocol_Catalog9" /v Num_Catalog_Entries 2>/dev/null |
+        tr -d '\r' | awk '$1 == "Num_Catalog_Entries" { print $3 }'
+}
+catalog_expected() {
+    local n=0
+    for i in "$@"; do
+        n=$((n + 1))
+        echo "$(catalog_entry $n) ${catalog_items[$i]}"
+    done
+}
+pending_renames() {
+    wine_run reg query 'HKLM\System\CurrentControlSet\Control\Session Manager' \
+        /v PendingFileRenameOperations 2>/dev/null | tr -d '\r' |
+        sed -n 's/^ *PendingFileRenameOperations *REG_MULTI_SZ *//p' | sed 's/\\0/\n/g'
+}
+# attrib prints the attribute letters before the path.
+read_only() { wine_run attrib "$1" 2>/dev/null | tr -d '\r' | sed 's/[A-Za-z]:\\.*//' | grep -q R; }
+process_ended() { ! ps -o stat= -p "$1" 2>/dev/null | grep -qv Z; }
+# refute WORD WHAT COMMAND...: ok when the command fails.
+refute() {
+    local word=$1 what=$2
+    shift 2
+    if "$@"; then failed "$word" "$what"; else ok "$word" "$what"; fi
+}
+
+declare -A before_digest=()
+for f in "${removed_files[@]}" "$held_file" "${kept_files[@]}"; do before_digest[$f]=$(digest "$f"); done
+export_all before
+check 'read-only' "$(win_name "$pfu/ClickBar/clickbar_prefs.ini") carries the read-only attribute" \
+    read_only "$(win_name "$pfu/ClickBar/clickbar_prefs.ini")"
+check 'held open' "$(win_name "$held_file") cannot be read while filehold.exe runs" \
+    test -n "$(wine_run cmd /c type 'C:\windows\shopspy\shopspy.exe' 2>&1 >/dev/null | tr -d '\r')"
+check 'catalog' "${#catalog_items[@]} entries in $winsock\\Protocol_Catalog9 before the clean" \
+    test "$(catalog_now)" = "$(catalog_expected 0 1 2 3 4)"
+
+# --- orvex.exe clean -------------------------------------------------------------------------
+say "orvex.exe clean (the scan again, then removal of everything found, with backups)"
+started=$(date +%s)
+clean_status=0
+(cd "$app_dir" && wine_run "$app_win\\orvex.exe" clean --json) >"$out/clean.json" \
+    2>>"$out/clean.err" || clean_status=$?
+clean_seconds=$(($(date +%s) - started))
+tr -d '\r' <"$out/clean.err"
+tr -d '\r' <"$out/clean.json" | awk '
+    /^ *"(category|item|location|name|outcome)": "/ {
+        key = $0; sub(/^ *"/, "", key); sub(/".*/, "", key)
+        value = $0; sub(/^ *"[a-z]+": "/, "", value); sub(/",?$/, "", value)
+        gsub(/\\\\/, "\\", value); row[key] = value
+    }
+    /^ *}/ && ("name" in row) {
+        place = row["category"] == "FileSystem" || row["category"] == "Memory Resident" \
+            ? row["location"] row["item"] : row["location"] "  [" row["item"] "]"
+        printf "  %-13s %-16s %-8s %s\n", row["name"], row["category"], row["outcome"], place
+        delete row
+    }'
+restart_needed=$(tr -d '\r' <"$out/clean.json" | sed -n 's/^ *"restartNeeded": \([a-z]*\).*/\1/p')
+echo "exit code $clean_status (3: something remains or needs a restart)," \
+    "restart needed: ${restart_needed:-?}, ${clean_seconds}s"
+
+say "check: after the clean"
+check 'exit code' "clean ended with 3 and \"restartNeeded\": true" \
+    test "$clean_status-$restart_needed" = 3-true
+for f in "${removed_files[@]}"; do check 'gone' "$(win_name "$f")" test ! -e "$f"; done
+check 'still there' "$(win_name "$held_file"), held open: its delete waits for the restart" \
+    test -e "$held_file"
+pending=$(pending_renames)
+check 'queued' "PendingFileRenameOperations names $(win_name "$held_file")" \
+    grep -qi 'windows\\shopspy\\shopspy.exe' <<<"$pending"
+# reg shows the list up to its first empty string: a last delete comes without its empty
+# destination.
+awk 'function show(text) { print "                           " text }
+     NR % 2 { from = $0; next }
+     from != "" { show(length($0) ? "move " from " to " $0 : "delete " from); from = "" }
+     END { if (from != "") show("delete " from) }' <<<"$pending"
+for f in "${kept_files[@]}"; do
+    check 'untouched' "$(win_name "$f") (decoy)" test "$(digest "$f")" = "${before_digest[$f]}"
+done
+for entry in "${reg_items[@]}"; do
+    key=${entry%%"$tab"*} value=${entry#*"$tab"}
+    refute 'gone' "$(reg_label "$key" "$value")" reg_has "$key" "$value"
+done
+check 'untouched' "$kept_key (decoy)" reg_has "$kept_key"
+hkcr_outcome=$(tr -d '\r' <"$out/clean.json" |
+    grep -A5 -F "\"location\": \"HKEY_CLASSES_ROOT\\\\CLSID\\\\\"" |
+    sed -n 's/^ *"outcome": "\(.*\)".*/\1/p')
+if [ "$hkcr_outcome" = failed ]; then
+    expected 'row failed' "HKEY_CLASSES_ROOT\\CLSID\\$sw" \
+        "it is the same key as HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\CLSID\\$sw, which the row
+           below it removed first; a key that cannot be deleted keeps its row"
+else
+    failed 'row failed' "HKEY_CLASSES_ROOT\\CLSID\\$sw: outcome ${hkcr_outcome:-none}, not failed"
+fi
+check 'ended' "keywatch.exe, the sample program" process_ended "$agent_pid"
+refute 'running' "filehold.exe (no definition lists it)" process_ended "$holder_pid"
+check 'catalog' "4 entries, 000000000001 to 000000000004, the old 1, 2, 4 and 5 in order" \
+    test "$(catalog_now)" = "$(catalog_expected 0 1 3 4)"
+check 'catalog' "Num_Catalog_Entries 4" test "$(catalog_count)" = 0x4
+
+backup_dat=$app_dir/Backup.Dat
+backup_lines() { if [ -f "$backup_dat" ]; then tr -d '\r' <"$backup_dat" | grep -v '^$'; fi; }
+backups=$(backup_lines)
+check 'Backup.Dat' "$(grep -c . <<<"$backups") lines: $(grep -c '^File\*' <<<"$backups") files, $(
+    grep -c '^Registry\*' <<<"$backups") registry keys" test -n "$backups"
+missing_asw=0
+while IFS='*' read -r _ _ _ _ _ new_name _; do
+    [ -f "$app_dir/Backup/$new_name" ] || missing_asw=$((missing_asw + 1))
+done <<<"$backups"
+check '.asw' "$(find "$app_dir/Backup" -name '*.asw' | wc -l) in Backup\\, every one Backup.Dat names" \
+    test "$missing_asw" -eq 0
+# The File line of a path, by its folder and name in any case.
+backup_line_of() {
+    FOLDER=$(win_name "$(dirname "$1")")\\ NAME=$(basename "$1") awk -F'*' '$1 == "File" &&
+        tolower($3) == tolower(ENVIRON["FOLDER"]) && tolower($4) == tolower(ENVIRON["NAME"])' \
+        <<<"$backups"
+}
+for f in "${removed_files[@]}"; do
+    check 'backed up' "$(win_name "$f") as File in Backup.Dat" test -n "$(backup_line_of "$f")"
+done
+# The name of an ".asw" is made of the tick count: two backups in the same millisecond share
+# one, and the later copy takes the earlier one's place.
+while read -r name; do
+    [ -n "$name" ] && expected 'same name' "two lines of Backup.Dat name $name" \
+        "they were made in the same millisecond; the earlier backup was overwritten"
+done < <(cut -d'*' -f6 <<<"$backups" | sort | uniq -d)
+expected 'no backup' "$(win_name "$held_file") has no .asw and no line in Backup.Dat" \
+    "it is in use: its copy fails, and it is moved into Backup\\ at the next start instead"
+
+# --- Wine's restart --------------------------------------------------------------------------
+say "restart: wineboot --kill --restart (ends every program, runs the queued moves and deletes)"
+started=$(date +%s)
+wine_run wineboot --kill --restart >/dev/null 2>&1 || true
+wine_run cmd /c ver >/dev/null 2>&1 || true
+restart_seconds=$(($(date +%s) - started))
+check 'ended' "filehold.exe" process_ended "$holder_pid"
+check 'gone' "$(win_name "$held_file")" test ! -e "$held_file"
+moved=$(find "$app_dir/Backup" -iname '*shopspy.exe' | head -1)
+check 'moved' "it lies in Backup\\ as $(basename "${moved:-?}"), no .asw" \
+    test -n "$moved" -a "$(digest "${moved:-/dev/null}")" = "${before_digest[$held_file]}"
+check 'cleared' "PendingFileRenameOperations" test -z "$(pending_renames | grep -v '^$')"
+
+# --- orvex.exe backups restore --all ---------------------------------------------------------
+say "orvex.exe backups restore --all"
+started=$(date +%s)
+restore_status=0
+(cd "$app_dir" && wine_run "$app_win\\orvex.exe" backups restore --all) 2>&1 | tr -d '\r' ||
+    restore_status=$?
+restore_seconds=$(($(date +%s) - started))
+echo "exit code $restore_status, ${restore_seconds}s"
+
+say "check: after the restore"
+check 'exit code' "backups restore --all ended with 0" test "$restore_status" -eq 0
+for f in "${removed_files[@]}"; do
+    check 'back' "$(win_name "$f"), byte for byte" \
+        test "$(digest "$f" 2>/dev/null)" = "${before_digest[$f]}"
+done
+expected 'not back' "$(win_name "$held_file")" \
+    "a file moved at the next start has no Backup.Dat line; its copy stays in Backup\\"
+export_all after
+# A "Registry(Value)" row whose location names the value behind a "|" is restored as a key of
+# that whole name, holding the key as it was; the value's own key comes back from the later
+# backups of it, which no longer held the value. Key, tab, value, tab, the key it lands in.
+pipe_restores=(
+    "HKEY_LOCAL_MACHINE\\$run_key${tab}NetSpy Loader${tab}HKEY_LOCAL_MACHINE\\$cv\\Run|NetSpy Loader"
+    "HKEY_CURRENT_USER\\$ie\\Main${tab}Start Page${tab}HKEY_CURRENT_USER\\$ie\\Main|Start Page"
+)
+reg_text() { iconv -f UTF-16 -t UTF-8 "$1" 2>/dev/null | tr -d '\r'; }
+for i in "${!export_keys[@]}"; do
+    key=${export_keys[$i]} lost=
+    for entry in "${pipe_restores[@]}"; do
+        if [ "${entry%%"$tab"*}" = "$key" ]; then
+            lost=${entry#*"$tab"} pipe_key=${entry##*"$tab"}
+            lost=${lost%%"$tab"*}
+        fi
+    done
+    if [ -z "$lost" ]; then
+        check 'back' "$key, as reg export shows it" \
+            cmp -s "$exports/before-$i.reg" "$exports/after-$i.reg"
+        continue
+    fi
+    check 'back' "$key, as reg export shows it, but for \"$lost\"" test "$(
+        reg_text "$exports/before-$i.reg" | grep -vF "\"$lost\"=")" = "$(reg_text "$exports/after-$i.reg")"
+    expected 'not back' "$(reg_label "$key" "$lost"): it is in the new key $pipe_key" \
+        "its row's location names the value behind a \"|\", and the restore uses that text whole
+           as the key's name"
+    check 'new key' "$(reg_label "$pipe_key" "$lost")" reg_has "$pipe_key" "$lost"
+done
+expected 'not back' "Winsock entry 3 (...\\netspy.sys); the catalog keeps 4 entries" \
+    "the catalog repair makes no backup"
+check 'catalog' "still the 4 renumbered entries" \
+    test "$(catalog_now)" = "$(catalog_expected 0 1 3 4)"
+check 'Backup.Dat' "empty: every backup was restored and its line dropped" \
+    test -z "$(backup_lines)"
+
+say "cycle: $cycle_ok ok, $cycle_failed FAILED, $cycle_expected expected exceptions;" \
+    "scan ${seconds}s, clean ${clean_seconds}s, restart ${restart_seconds}s, restore ${restore_seconds}s"
+echo "scan check: $([ "$scan_failures" -eq 0 ] && echo passed || echo "FAILED ($scan_failures problems)")"
+if [ "$scan_failures" -ne 0 ] || [ "$cycle_failed" -ne 0 ]; then
+    echo "demo check FAILED"
     exit 1
 fi
 echo "demo check passed"

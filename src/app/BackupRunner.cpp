@@ -3,8 +3,10 @@
 #include "app/BackupRunner.h"
 
 #include "core/AppState.h"
+#include "core/Config.h"
 #include "core/Text.h"
 #include "pages/BlockedPage.h"
+#include "platform/RegistryHelper.h"
 #include "ui/HeadlessHost.h"
 
 namespace orvex {
@@ -12,9 +14,20 @@ namespace {
 
 constexpr int kLeftButton = 1;
 
+// The data folder holds the usage report a restore appends to: the registry's DataPath as
+// start-up reads it, or the program's folder where there is none, never the working folder.
+std::string DataFolderOf(const std::string& appPath) {
+    platform::RegistryHelper registry;
+    registry.RootKey(platform::Hive::LocalMachine);
+    registry.KeyPath(config::kProductKey);
+    const std::string dataPath = registry.GetValue("DataPath");
+    return (dataPath.empty() ? appPath : dataPath) + "\\";
+}
+
 void UseProgramFolder(const std::string& appPath) {
     App().AppPath = appPath;
     App().BackupFolder = appPath + "\\Backup";
+    App().DataFolder = DataFolderOf(appPath);
 }
 
 ui::ListItem* ThreatRow(FrmBlocked& form, const std::string& threat) {

@@ -3,6 +3,7 @@
 // newcomer makes. Cross-built, the same cases run orvex.exe under Wine.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -174,6 +175,74 @@ TEST_F(CliTest, PlantedFilesAreReportedAsTheDefinitionsListThemAndDecoysAreNot) 
     EXPECT_EQ(clean.out, "No threats found.\n");
 }
 
+TEST_F(CliTest, CleanRemovesWithBackupsAndBackupsPutsThemBackOrThrowsThemAway) {
+    const fs::path tree = Work() / "infected";
+    const fs::path app = tree / "app";
+    WriteFile(tree / "bar" / "cfg.ini", kListedBytes);
+    WriteFile(tree / "tools" / "named.exe", "plain bytes");
+    WriteFile(tree / "bar" / "cfg.txt", kListedBytes);  // a decoy: never hashed
+    fs::create_directories(app);
+    const std::string appDir = " --app-dir " + Quoted(app);
+    const std::string scanned = "--data " + Quoted(Defs()) + " --path " + Quoted(tree) + appDir;
+
+    const Outcome clean = Orvex("clean " + scanned + " --json");
+    ASSERT_EQ(clean.exitCode, 1) << clean.err << clean.out;
+    const nlohmann::json cleaned = nlohmann::json::parse(clean.out);
+    EXPECT_EQ(cleaned["threats"], 2);
+    EXPECT_EQ(cleaned["restartNeeded"], false);
+    ASSERT_EQ(cleaned["findings"].size(), 2u) << clean.out;
+    for (const auto& row : cleaned["findings"])
+        EXPECT_EQ(row["outcome"], "delete") << row;
+    EXPECT_FALSE(fs::exists(tree / "bar" / "cfg.ini"));
+    EXPECT_FALSE(fs::exists(tree / "tools" / "named.exe"));
+    EXPECT_TRUE(fs::exists(tree / "bar" / "cfg.txt"));
+    EXPECT_TRUE(fs::exists(app / "Backup.Dat"));
+
+    const Outcome listed = Orvex("backups list --json" + appDir);
+    ASSERT_EQ(listed.exitCode, 0) << listed.err;
+    const nlohmann::json backups = nlohmann::json::parse(listed.out)["backups"];
+    std::vector<std::string> records;
+    for (const auto& r : backups) {
+        records.push_back(r["threat"].get<std::string>() + " " + r["kind"].get<std::string>() +
+                          " " + r["oldName"].get<std::string>());
+        EXPECT_TRUE(fs::exists(app / "Backup" / r["newName"].get<std::string>())) << r;
+    }
+    std::sort(records.begin(), records.end());
+    EXPECT_EQ(records,
+              (std::vector<std::string>{"HashThreat File cfg.ini", "NameThreat File named.exe"}));
+
+    struct Step {
+        std::string arguments;
+        int exitCode;
+        std::string said;  // on stderr
+    };
+    const Step steps[] = {
+        {"restore hashTHREAT", 0, ""},  // threat names in any case
+        {"delete Nobody", 2, "\"Nobody\""},
+        {"delete NameThreat", 0, ""},
+        {"restore --all", 0, ""},  // nothing left to restore
+    };
+    for (const Step& step : steps) {
+        const Outcome run = Orvex("backups " + step.arguments + appDir);
+        EXPECT_EQ(run.exitCode, step.exitCode) << step.arguments << ": " << run.err;
+        EXPECT_NE(run.err.find(step.said), std::string::npos) << step.arguments << ": " << run.err;
+    }
+    EXPECT_EQ(ReadAll(tree / "bar" / "cfg.ini"), kListedBytes);
+#ifndef _WIN32
+    // Natively the registry has no DataPath: the usage report of the restore goes beside
+    // Backup.Dat, not into the working folder.
+    EXPECT_EQ(ReadAll(app / "ovsstat.ph"), "HashThreat||3|\n");
+#endif
+    EXPECT_FALSE(fs::exists(tree / "tools" / "named.exe"));
+    EXPECT_EQ(Orvex("backups list" + appDir).out, "No backups.\n");
+
+    fs::create_directories(Work() / "spotless");
+    const Outcome nothing =
+        Orvex("clean --data " + Quoted(Defs()) + " --path " + Quoted(Work() / "spotless") + appDir);
+    EXPECT_EQ(nothing.exitCode, 0) << nothing.err;
+    EXPECT_EQ(nothing.out, "No threats found.\n");
+}
+
 TEST_F(CliTest, MistakesEndWithExitCodeTwoAndAMessageNamingWhatWasTyped) {
     const fs::path missing = Work() / "missing";
     fs::create_directories(Work() / "empty");
@@ -198,6 +267,9 @@ TEST_F(CliTest, MistakesEndWithExitCodeTwoAndAMessageNamingWhatWasTyped) {
         {"log show " + Quoted(missing / "Logged.txt"), {(missing / "Logged.txt").string()}},
         {"defs dump " + Quoted(missing / "x.dat"), {"no such file"}},
         {"scan --bogus", {"--bogus"}},
+        {"clean --data " + Quoted(missing), {"--data " + missing.string(), "no such folder"}},
+        {"backups list --app-dir " + Quoted(missing), {"--app-dir " + missing.string()}},
+        {"backups restore", {"THREAT", "--all"}},
 #ifndef _WIN32
         // Natively the registry is the program's own and empty: only --data can help.
         {"scan", {"--data DIR"}},
