@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -53,6 +54,17 @@ Outcome ClassifyFailure(int number, const ErrorLists& lists = {});
 
 // "major.minor.revision" as the log shows it, the revision with at least two digits.
 std::string ErrorLogVersionText(int major, int minor, int revision);
+
+// Runs one statement of a routine that passes over its failures unlogged: a failing
+// statement is skipped and the next one runs.
+template <class F>
+void ResumeNext(F&& statement) {
+    try {
+        statement();
+    } catch (const Failure&) {
+    } catch (const std::bad_alloc&) {
+    }
+}
 
 // Thrown to leave a procedure; Procedure::Run catches it.
 struct LeaveProcedure {};

@@ -2,9 +2,8 @@
 // rows of lvBackup that are left: an action cut short leaves the file as it was.
 #include "pages/BlockedPage.h"
 
-#include <new>
-
 #include "core/AppState.h"
+#include "core/ErrorHandler.h"
 #include "core/Text.h"
 #include "logs/UsageReport.h"
 #include "platform/Failure.h"
@@ -32,16 +31,6 @@ const std::string& Cell(const ui::ListItem& row, int column) {
     static const std::string kEmpty;
     const auto at = static_cast<std::size_t>(column - 1);
     return at < row.SubItems.size() ? row.SubItems[at] : kEmpty;
-}
-
-// The restore goes on after any failing statement.
-template <class F>
-void ResumeNext(F&& statement) {
-    try {
-        statement();
-    } catch (const Failure&) {
-    } catch (const std::bad_alloc&) {
-    }
 }
 
 bool Exists(const std::string& path) {

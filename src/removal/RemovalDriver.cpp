@@ -2,7 +2,6 @@
 // becomes of the row is decided by the word the scan log receives for it.
 #include "removal/RemovalDriver.h"
 
-#include <new>
 #include <optional>
 
 #include "core/AppState.h"
@@ -29,16 +28,6 @@ constexpr const char* kKindFile = "FileSystem";
 constexpr const char* kKindKey = "Registry(Key)";
 constexpr const char* kKindValue = "Registry(Value)";
 constexpr const char* kLogKindRegistry = "Registry";
-
-// The pass goes on after any failing statement.
-template <class F>
-void ResumeNext(F&& statement) {
-    try {
-        statement();
-    } catch (const Failure&) {
-    } catch (const std::bad_alloc&) {
-    }
-}
 
 bool Cancelled() {
     return IsTrue(App().RemovalCancelled);

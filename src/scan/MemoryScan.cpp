@@ -3,9 +3,9 @@
 #include "scan/MemoryScan.h"
 
 #include <cstdlib>
-#include <new>
 
 #include "core/AppState.h"
+#include "core/ErrorHandler.h"
 #include "core/Text.h"
 #include "definitions/DefinitionTables.h"
 #include "platform/Failure.h"
@@ -24,17 +24,6 @@ constexpr const char* kAgentDigestA = "29a38b50b102abc3b818100fc836868d";
 constexpr const char* kAgentDigestB = "eed8e968a40f91e20800fee118d0b718";
 constexpr const char* kAgentFolderMark = "spyagent";
 constexpr const char* kAgentRemovedText = "Spytech has been removed from memory.";
-
-// A process that can't be read leaves no trace and stops nothing: a failed statement is
-// passed over.
-template <class F>
-void ResumeNext(F&& statement) {
-    try {
-        statement();
-    } catch (const Failure&) {
-    } catch (const std::bad_alloc&) {
-    }
-}
 
 // One entry of the process list taken apart.
 struct ProcessImage {
