@@ -201,9 +201,11 @@ bool Win32System::moveFileAtRestart(std::string_view from, std::string_view to,
 
 std::string Win32System::lastErrorText() {
     constexpr DWORD kBuffer = 200;
+    // Before the buffer's allocation, which could change it.
+    const DWORD error = GetLastError();
     std::string text(kBuffer, ' ');
-    const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, GetLastError(), 0,
-                                        text.data(), kBuffer, nullptr);
+    const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, error, 0, text.data(),
+                                        kBuffer, nullptr);
     text.resize(length);
     return text;
 }
