@@ -71,23 +71,23 @@ std::optional<std::size_t> HiveIndex(Hive hive) {
     return n;
 }
 
-// The components of a key path. One closing backslash is tolerated; an empty component
-// anywhere else makes the path invalid (std::nullopt).
-std::optional<std::vector<std::string_view>> Components(std::string_view path) {
-    std::vector<std::string_view> parts;
+// A key path without the one closing backslash it may carry; std::nullopt when a component
+// is empty, which makes the path invalid.
+std::optional<std::string_view> KeyPath(std::string_view path) {
     if (!path.empty() && path.back() == '\\') path.remove_suffix(1);
-    if (path.empty()) return parts;
-    std::size_t start = 0;
-    while (true) {
-        const std::size_t end = path.find('\\', start);
-        std::string_view part =
-            path.substr(start, end == std::string_view::npos ? end : end - start);
-        if (part.empty()) return std::nullopt;
-        parts.push_back(part);
-        if (end == std::string_view::npos) break;
-        start = end + 1;
-    }
-    return parts;
+    if (path.empty()) return path;
+    if (path.front() == '\\' || path.back() == '\\' || path.find("\\\\") != path.npos)
+        return std::nullopt;
+    return path;
+}
+
+// Cuts the first component off a valid key path; lookups run on every registry call, so
+// they walk the path in place.
+std::string_view NextComponent(std::string_view& rest) {
+    const std::size_t end = rest.find('\\');
+    const std::string_view part = rest.substr(0, end);
+    rest = end == rest.npos ? std::string_view() : rest.substr(end + 1);
+    return part;
 }
 
 std::string DwordBytes(std::uint32_t v) {
@@ -108,23 +108,22 @@ MemoryRegistry::~MemoryRegistry() = default;
 
 MemoryRegistry::Key* MemoryRegistry::find(Hive hive, std::string_view path) {
     const auto index = HiveIndex(hive);
-    const auto parts = Components(path);
-    if (!index || !parts) return nullptr;
+    auto rest = KeyPath(path);
+    if (!index || !rest) return nullptr;
     Key* key = roots_[*index].get();
-    for (auto part : *parts) {
-        key = key->child(part);
-        if (key == nullptr) return nullptr;
-    }
+    while (key != nullptr && !rest->empty())
+        key = key->child(NextComponent(*rest));
     return key;
 }
 
 // Creates the missing keys of the path; nullptr for an invalid path or a denied parent.
 MemoryRegistry::Key* MemoryRegistry::make(Hive hive, std::string_view path) {
     const auto index = HiveIndex(hive);
-    const auto parts = Components(path);
-    if (!index || !parts) return nullptr;
+    auto rest = KeyPath(path);
+    if (!index || !rest) return nullptr;
     Key* key = roots_[*index].get();
-    for (auto part : *parts) {
+    while (!rest->empty()) {
+        const std::string_view part = NextComponent(*rest);
         Key* next = key->child(part);
         if (next == nullptr) {
             if (key->denied) return nullptr;
@@ -149,20 +148,20 @@ bool MemoryRegistry::keyExists(Hive hive, std::string_view path) {
 }
 
 long MemoryRegistry::createKey(Hive hive, std::string_view path) {
-    if (!HiveIndex(hive) || !Components(path)) return regstatus::kInvalid;
+    if (!HiveIndex(hive) || !KeyPath(path)) return regstatus::kInvalid;
     if (find(hive, path) != nullptr) return regstatus::kOk;
     return make(hive, path) != nullptr ? regstatus::kOk : regstatus::kAccessDenied;
 }
 
 long MemoryRegistry::deleteTree(Hive hive, std::string_view path) {
     const auto index = HiveIndex(hive);
-    const auto parts = Components(path);
-    if (!index || !parts) return regstatus::kNotFound;
-    if (parts->empty()) return regstatus::kInvalid;  // a hive's root stays
-    Key* parent = roots_[*index].get();
-    for (std::size_t i = 0; parent != nullptr && i + 1 < parts->size(); ++i)
-        parent = parent->child((*parts)[i]);
-    Key* key = parent == nullptr ? nullptr : parent->child(parts->back());
+    const auto valid = KeyPath(path);
+    if (!index || !valid) return regstatus::kNotFound;
+    if (valid->empty()) return regstatus::kInvalid;  // a hive's root stays
+    const std::size_t cut = valid->rfind('\\');
+    Key* parent = cut == valid->npos ? roots_[*index].get() : find(hive, valid->substr(0, cut));
+    const std::string_view last = cut == valid->npos ? *valid : valid->substr(cut + 1);
+    Key* key = parent == nullptr ? nullptr : parent->child(last);
     if (key == nullptr) return regstatus::kNotFound;
     if (parent->denied || key->deniedBelow()) return regstatus::kAccessDenied;
     parent->drop(key);
