@@ -13,6 +13,13 @@ Control::Control(Form& owner, std::string name, int index)
     owner.Register(*this);
 }
 
+std::string RichTextBox::Text() const {
+    std::string text;
+    for (const TextRun& run : Runs)
+        text += run.Text;
+    return text;
+}
+
 void TextBox::SetText(std::string text) {
     text_ = std::move(text);
     if (Change) Change();

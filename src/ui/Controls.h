@@ -11,6 +11,10 @@ namespace orvex::ui {
 
 class Form;
 
+// Colours are Windows COLORREF values (red in the low byte); this one means "as the system
+// draws it".
+inline constexpr long kDefaultColor = -1;
+
 class Control {
   public:
     // Registers itself with its form; `index` >= 0 makes it an element of a control array.
@@ -29,7 +33,13 @@ class Control {
     std::string Tag;
     bool Visible = true;
     bool Enabled = true;
-    int Left = 0, Top = 0, Width = 0, Height = 0;  // twips
+    int Left = 0, Top = 0, Width = 0, Height = 0;  // in the form's scale
+    // The control it sits in (a page or frame); its position is then inside that one's.
+    Control* Container = nullptr;
+    long BackColor = kDefaultColor;
+    long ForeColor = kDefaultColor;
+    int FontSize = 0;  // points; 0 the form's font
+    bool FontBold = false;
 
   private:
     Form& owner_;
@@ -38,14 +48,54 @@ class Control {
 class Label : public Control {
   public:
     using Control::Control;
+    int Alignment = 0;  // 0 left, 1 right, 2 centre
 };
 
-// A clickable picture; Picture selects one of its images (normal, hover, pressed, ...).
+// A clickable picture; Picture selects one image of the form's ImageList (normal, hover,
+// pressed, disabled). Click runs on the left button's press, as the program's buttons act.
 class ImageButton : public Control {
   public:
     using Control::Control;
     int Picture = 0;
     std::function<void()> Click;
+    std::function<void()> MouseMove;
+    std::function<void()> MouseUp;
+};
+
+// A picture that may hold other controls, as the pages of a paged form do.
+class PictureBox : public Control {
+  public:
+    using Control::Control;
+    int Picture = 0;  // 0 none
+    std::function<void()> Click;
+    std::function<void(int key)> KeyPress;
+};
+
+// One stretch of a rich text box's text with the formatting it was inserted with.
+struct TextRun {
+    std::string Text;
+    bool Bold = false;
+    bool Bullet = false;
+    int FontSize = 8;
+    int HangingIndent = 0;
+};
+
+// A rich text box that is only ever written at its end: each insert takes the selection's
+// formatting as it stands.
+class RichTextBox : public Control {
+  public:
+    using Control::Control;
+    void SelText(std::string text) {
+        Runs.push_back({std::move(text), SelBold, SelBullet, SelFontSize, SelHangingIndent});
+    }
+    void Clear() { Runs.clear(); }
+    std::string Text() const;
+
+    std::vector<TextRun> Runs;
+    bool SelBold = false;
+    bool SelBullet = false;
+    int SelFontSize = 8;
+    int SelHangingIndent = 0;
 };
 
 class CommandButton : public Control {
@@ -58,6 +108,23 @@ class CheckBox : public Control {
   public:
     using Control::Control;
     int Value = 0;  // 0 clear, 1 checked
+    std::function<void()> Click;
+};
+
+class OptionButton : public Control {
+  public:
+    using Control::Control;
+    bool Value = false;
+    std::function<void()> Click;
+};
+
+class ComboBox : public Control {
+  public:
+    using Control::Control;
+    std::vector<std::string> Items;
+    int ListIndex = -1;
+    std::string Text;
+    std::function<void()> Click;
 };
 
 // A text box whose Change handler runs whenever its text is set, as the schedule
@@ -68,6 +135,9 @@ class TextBox : public Control {
     const std::string& Text() const { return text_; }
     void SetText(std::string text);
     std::function<void()> Change;
+    std::function<void(int key)> KeyPress;
+    bool MultiLine = false;
+    bool Locked = false;
 
   private:
     std::string text_;
@@ -97,10 +167,13 @@ class Timer : public Control {
     std::function<void()> Tick;
 };
 
+// A menu command or a menu of commands: items whose ParentMenu names another item are its
+// entries, in the order they were made; the others stand on the menu bar.
 class MenuItem : public Control {
   public:
     using Control::Control;
     bool Checked = false;
+    std::string ParentMenu;
     std::function<void()> Click;
 };
 
@@ -121,6 +194,10 @@ class ListView : public Control {
     bool Checkboxes = false;
     int SortKey = 0;  // the column last sorted by: 0 the text, n column n
     int SortOrder = 0;
+    std::function<void(int column)> ColumnClick;  // 0 the first column
+    std::function<void(ListItem& row)> ItemCheck;
+    std::function<void(ListItem& row)> ItemClick;
+    std::function<void()> DblClick;
 };
 
 inline constexpr int kSortAscending = 3;
@@ -138,6 +215,7 @@ class ListBox : public Control {
     using Control::Control;
     std::vector<std::string> Items;
     int ListIndex = -1;
+    std::function<void()> Click;
 };
 
 }  // namespace orvex::ui

@@ -12,6 +12,8 @@
 
 namespace orvex::ui {
 
+enum class ScaleMode { Twips, Pixels };
+
 class Form {
   public:
     explicit Form(std::string name);
@@ -22,6 +24,10 @@ class Form {
     virtual void Form_Load() {}
     // Setting `cancel` to non-zero keeps the form loaded.
     virtual void Form_Unload(int& cancel) { (void)cancel; }
+    virtual void Form_Activate() {}
+    virtual void Form_Resize() {}
+    virtual void Form_MouseMove() {}
+    virtual void Form_KeyPress(int key) { (void)key; }
 
     // Shows the form through the UI host; a modal show returns when the form is hidden.
     void Show(bool modal = false);
@@ -35,7 +41,15 @@ class Form {
     std::string Caption;
     std::string Tag;
     bool Visible = false;
+    bool Enabled = true;
     int Left = 0, Top = 0, Width = 0, Height = 0;  // twips
+    // The unit of the controls' geometry; pixels are those of a 96 dots-per-inch screen.
+    ScaleMode Scale = ScaleMode::Twips;
+    long BackColor = kDefaultColor;
+    int Picture = 0;  // the background, an entry of ImageList; 0 none
+    // The form's pictures by 1-based index, each the name of an image of the image set
+    // (for example "scan", "scan_over", "scan_down", "scan_disabled").
+    std::vector<std::string> ImageList;
 
   private:
     std::vector<Control*> controls_;

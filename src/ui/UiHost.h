@@ -52,13 +52,26 @@ class UiHost {
     virtual void FormUnloaded(Form& form) = 0;
     virtual int MsgBox(const std::string& prompt, int buttons, const std::string& title) = 0;
     virtual void SetMousePointer(int pointer) = 0;
+    // The program's End: a host with windows ends the process here; one that returns lets
+    // `End` unwind to whoever runs the program.
+    virtual void EndProgram() {}
 };
+
+// Thrown by `End` when the host lets the program's end unwind: the command line and the
+// tests catch it where the program would have ended.
+struct ProgramEnded {};
 
 // The installed host; a headless one until a program installs another.
 UiHost& Host();
 void InstallHost(UiHost* host);
 // Puts a fresh headless host in place of whatever is installed.
 void ResetHost();
+
+// Ends the program at once, as the wizard's exits do; nothing after it runs.
+[[noreturn]] inline void End() {
+    Host().EndProgram();
+    throw ProgramEnded{};
+}
 
 // Yields to the user interface.
 inline void DoEvents() {
