@@ -35,6 +35,7 @@ void ResetProcessState() {
     NameSpaceProviders() = ProviderTable{};
     ExclusionRecords() = ExclusionTable{};
     BackupRecords() = BackupTable{};
+    BackupFolderCountOfRun() = BackupFolderCount{};
     InstallPageReports();
 }
 

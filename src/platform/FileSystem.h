@@ -87,6 +87,10 @@ class FileSystem {
     // Renames, replacing an existing target in one step (the atomic rewrite of stores).
     virtual void replace(std::string_view from, std::string_view to) = 0;
     virtual std::uint64_t freeSpace(std::string_view root) = 0;
+    // A folder's last-write time in the back-end's own units. It changes when an entry is
+    // made, removed or renamed in the folder (not when a file in it is written), though two
+    // changes close together may share one value. Raise 76 when the folder is missing.
+    virtual std::uint64_t folderStamp(std::string_view folder) = 0;
 };
 
 }  // namespace orvex::platform

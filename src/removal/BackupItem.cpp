@@ -19,7 +19,8 @@ constexpr std::uint32_t kDelayUntilReboot = 4;
 void BackUpFile(const std::string& folder, const std::string& name, const std::string& copyName,
                 const std::string& threat) {
     const std::string& backups = App().BackupFolder;
-    platform::Files().copy(folder + name, backups + "\\" + copyName, true);
+    const std::string copyPath = backups + "\\" + copyName;
+    WriteIntoBackupFolder(copyPath, [&] { platform::Files().copy(folder + name, copyPath, true); });
     AddBackupDat(kBackupKindFile, name, folder, copyName, backups + "\\", threat, VbFalse);
 }
 
@@ -35,7 +36,10 @@ void BackUpRegistryItem(const std::string& item, const std::string& copyName,
     const std::string key = item.substr(0, item.find('|'));
     const std::string keyPath = key.substr(key.find('\\') + 1);
     const std::string shortFolder = platform::FileHelper().ShortName(App().BackupFolder);
-    if (reg.SaveKey(reg.RootKey(), keyPath, shortFolder + "\\" + copyName))
+    const std::string copyPath = shortFolder + "\\" + copyName;
+    bool saved = false;
+    WriteIntoBackupFolder(copyPath, [&] { saved = reg.SaveKey(reg.RootKey(), keyPath, copyPath); });
+    if (saved)
         AddBackupDat(kBackupKindRegistry, item, "", copyName, shortFolder + "\\", threat, VbFalse);
 }
 

@@ -51,6 +51,19 @@ std::size_t BackupFolderFileCount() {
     return count;
 }
 
+// The count as the file list would show it now: listed again only when the folder has
+// changed since it was last taken. A change by another program within the stamp's
+// granularity of our own last write goes unseen; it can only alter a stem, which is not
+// certain to be new anyway.
+std::size_t ShownBackupFiles() {
+    BackupFolderCount& kept = BackupFolderCountOfRun();
+    const std::string& folder = App().BackupFolder;
+    const std::uint64_t stamp = platform::Files().folderStamp(folder);
+    if (!kept.known || kept.folder != folder || kept.stamp != stamp)
+        kept = {true, folder, stamp, BackupFolderFileCount()};
+    return kept.count;
+}
+
 // The file's field order: kind first, then the date, then the rest as in memory.
 BackupRecord RecordOfLine(Procedure& proc, const std::vector<std::string>& f) {
     BackupRecord r;
@@ -103,15 +116,34 @@ std::string BackupDatPath() {
     return App().AppPath + "\\Backup.Dat";
 }
 
+BackupFolderCount& BackupFolderCountOfRun() {
+    static BackupFolderCount kept;
+    return kept;
+}
+
 std::string BackupStem() {
     const std::string ticks = std::to_string(platform::Sys().tickCount());
     // Eight digits of ticks leave no room for the count, so the folder's files need not be
-    // counted (a listing per backup made a removal quadratic); it must still be there.
+    // counted; it must still be there.
     if (ticks.size() >= kStemLength) {
+        BackupFolderCountOfRun().known = false;
         if (!platform::Files().folderExists(App().BackupFolder)) Raise(failure::kPathNotFound);
         return Left(ticks, kStemLength);
     }
-    return Left(ticks + std::to_string(BackupFolderFileCount()), kStemLength);
+    return Left(ticks + std::to_string(ShownBackupFiles()), kStemLength);
+}
+
+void WriteIntoBackupFolder(const std::string& path, const std::function<void()>& write) {
+    BackupFolderCount& kept = BackupFolderCountOfRun();
+    if (!kept.known) return write();
+    kept.known = false;  // until the write is known to have gone as counted
+    platform::FileSystem& files = platform::Files();
+    const bool wasThere = files.fileExists(path);
+    write();
+    if (!wasThere && files.fileExists(path) && ShownInFileList({"", "", files.attributes(path)}))
+        ++kept.count;
+    kept.stamp = files.folderStamp(kept.folder);
+    kept.known = true;
 }
 
 void AddBackupDat(const std::string& kind, const std::string& oldName,

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -54,6 +55,20 @@ std::string BackupDatPath();
 // files the backup folder shows, cut to 8 characters. Not certain to be new: a copy with
 // the same stem overwrites the earlier one. Failure 76 when the folder is missing.
 std::string BackupStem();
+
+// The backup folder's shown-file count as the last stem took it, kept while the folder's
+// stamp stays the same, so a removal does not list the folder once per backup.
+struct BackupFolderCount {
+    bool known = false;
+    std::string folder;
+    std::uint64_t stamp = 0;
+    std::size_t count = 0;
+};
+BackupFolderCount& BackupFolderCountOfRun();
+
+// Runs `write`, which puts the file `path` into the backup folder, and keeps the stem's
+// count in step with it.
+void WriteIntoBackupFolder(const std::string& path, const std::function<void()>& write);
 
 // Appends one line to Backup.Dat (created when missing). The old name comes before the
 // old location here, the reverse of the file. With `reload` true, reads the file back.

@@ -178,5 +178,28 @@ TEST_F(BackupStoreTest, TheStemIsTicksThenShownFilesCutToEightAndNeedsTheFolder)
     EXPECT_EQ(testing::FailureOf([] { BackupStem(); }), failure::kPathNotFound);
 }
 
+// The count is kept between stems, yet every stem must still be what a fresh count gives.
+TEST_F(BackupStoreTest, TheKeptCountFollowsOwnCopiesAndEveryOtherChange) {
+    system.setTickStep(0);
+    system.setTickCount(1234);
+    const auto write = [&](const std::string& name, std::uint32_t attributes) {
+        const std::string path = "C:\\App\\Backup\\" + name;
+        WriteIntoBackupFolder(path, [&] { files.addFile(path, "", attributes); });
+        return BackupStem();
+    };
+    const std::uint32_t normal = platform::attr::kArchive;
+    std::vector<std::string> stems{BackupStem()};
+    stems.push_back(write("a.asw", normal));
+    stems.push_back(write("a.asw", normal));  // the same stem again: overwritten
+    stems.push_back(write("h.asw", platform::attr::kHidden));
+    files.addFile("C:\\App\\Backup\\other.asw");  // by another program
+    stems.push_back(BackupStem());
+    files.remove("C:\\App\\Backup\\a.asw");
+    stems.push_back(BackupStem());
+    stems.push_back(write("c.asw", normal));
+    EXPECT_EQ(stems, (std::vector<std::string>{"12340", "12341", "12341", "12341", "12342", "12341",
+                                               "12342"}));
+}
+
 }  // namespace
 }  // namespace orvex

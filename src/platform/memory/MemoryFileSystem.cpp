@@ -16,6 +16,7 @@ struct MemoryFileSystem::Node {
     std::uint32_t attributes = 0;  // without the directory and normal bits
     bool locked = false;
     bool undeletable = false;
+    std::uint64_t stamp = 0;  // a folder's: the file system's change count at its last change
     std::shared_ptr<std::string> bytes = std::make_shared<std::string>();
     std::vector<std::unique_ptr<Node>> children;
 
@@ -232,6 +233,7 @@ MemoryFileSystem::Node& MemoryFileSystem::newChild(Node& folder, std::string nam
     node->folder = isFolder;
     node->attributes = isFolder ? 0 : attr::kArchive;
     folder.children.push_back(std::move(node));
+    touch(folder);
     return *folder.children.back();
 }
 
@@ -362,6 +364,7 @@ void MemoryFileSystem::remove(std::string_view path) {
     if (node->folder ? !node->children.empty() : (node->attributes & attr::kReadOnly) != 0)
         Raise(failure::kPathFileAccess);
     std::erase_if(at.parent->children, [node](const auto& c) { return c.get() == node; });
+    touch(*at.parent);
 }
 
 void MemoryFileSystem::createFolder(std::string_view path) {
@@ -383,7 +386,8 @@ void MemoryFileSystem::replace(std::string_view from, std::string_view to) {
     if (target.parent == nullptr) Raise(failure::kPathFileAccess);
     if (std::find(target.chain.begin(), target.chain.end(), moving) != target.chain.end())
         Raise(failure::kPathFileAccess);  // a folder into itself
-    if (target.node == moving) {          // the same entry: only the spelling changes
+    touch(*source.parent);
+    if (target.node == moving) {  // the same entry: only the spelling changes
         moving->name = target.leaf;
         return;
     }
@@ -405,6 +409,16 @@ void MemoryFileSystem::replace(std::string_view from, std::string_view to) {
 
 std::uint64_t MemoryFileSystem::freeSpace(std::string_view root) {
     return driveOf(root).freeBytes;
+}
+
+std::uint64_t MemoryFileSystem::folderStamp(std::string_view folder) {
+    Located at = locate(folder);
+    if (at.parentMissing || at.node == nullptr || !at.node->folder) Raise(failure::kPathNotFound);
+    return at.node->stamp;
+}
+
+void MemoryFileSystem::touch(Node& folder) {
+    folder.stamp = ++changes_;
 }
 
 void MemoryFileSystem::addDrive(std::string_view root, int type, std::uint64_t freeBytes) {

@@ -98,6 +98,7 @@ class MemoryFileSystem : public FileSystem {
     void createFolder(std::string_view path) override;
     void replace(std::string_view from, std::string_view to) override;
     std::uint64_t freeSpace(std::string_view root) override;
+    std::uint64_t folderStamp(std::string_view folder) override;
 
     // Scripting. addFile and addFolder create missing parents, and a missing drive as a
     // fixed disk; addFile overwrites an existing file's bytes.
@@ -138,9 +139,11 @@ class MemoryFileSystem : public FileSystem {
     Node& requireEntry(std::string_view path);
     Node& requireParentFolder(std::string_view path, std::string& leaf);
     Node& newChild(Node& folder, std::string name, bool isFolder);
+    void touch(Node& folder);  // the folder's entries changed
 
     std::map<char, std::unique_ptr<Drive>> drives_;
     std::shared_ptr<WriteFaults> faults_;
+    std::uint64_t changes_ = 0;
 };
 
 // ---------------------------------------------------------------------------------------

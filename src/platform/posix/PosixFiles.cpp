@@ -458,4 +458,13 @@ std::uint64_t PosixFiles::freeSpace(std::string_view root) {
     return static_cast<std::uint64_t>(vfs.f_bavail) * vfs.f_frsize;
 }
 
+std::uint64_t PosixFiles::folderStamp(std::string_view folder) {
+    const std::string n = native(folder);
+    struct stat st {};
+    if (::stat(n.c_str(), &st) != 0) RaiseErrno(errno, n, Target::Folder);
+    if (!S_ISDIR(st.st_mode)) Raise(failure::kPathNotFound);
+    return static_cast<std::uint64_t>(st.st_mtim.tv_sec) * 1000000000u +
+           static_cast<std::uint64_t>(st.st_mtim.tv_nsec);
+}
+
 }  // namespace orvex::platform

@@ -272,4 +272,12 @@ std::uint64_t Win32Files::freeSpace(std::string_view root) {
     return available.QuadPart;
 }
 
+std::uint64_t Win32Files::folderStamp(std::string_view folder) {
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    Check(GetFileAttributesExA(PathZ(folder).c_str(), GetFileExInfoStandard, &data), true);
+    if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) Raise(failure::kPathNotFound);
+    return (static_cast<std::uint64_t>(data.ftLastWriteTime.dwHighDateTime) << 32) |
+           data.ftLastWriteTime.dwLowDateTime;
+}
+
 }  // namespace orvex::platform::win32

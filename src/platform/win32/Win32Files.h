@@ -23,6 +23,7 @@ class Win32Files : public FileSystem {
     void createFolder(std::string_view path) override;
     void replace(std::string_view from, std::string_view to) override;
     std::uint64_t freeSpace(std::string_view root) override;
+    std::uint64_t folderStamp(std::string_view folder) override;
 };
 
 }  // namespace orvex::platform::win32

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <algorithm>
+#include <chrono>
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/FileSystem.h"
@@ -216,12 +218,32 @@ TYPED_TEST_P(FilesContract, NamesFollowWindows) {
         EXPECT_EQ(e.shortName, e.name == longName ? leaf : e.isFolder() ? e.shortName : "");
 }
 
+TYPED_TEST_P(FilesContract, AFolderStampMovesWithItsEntriesOnly) {
+    auto& fs = this->fs;
+    const std::string folder = this->maker.folder();
+    // Each step after a pause longer than a coarse file clock's tick.
+    const auto moves = [&](const std::function<void()>& step) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        const std::uint64_t before = fs.folderStamp(folder);
+        step();
+        return fs.folderStamp(folder) != before;
+    };
+    EXPECT_TRUE(moves([&] { this->put("b.txt", "b"); }));
+    EXPECT_FALSE(moves([&] { this->put("b.txt", "more", OpenMode::Append); }));
+    EXPECT_TRUE(moves([&] { fs.replace(this->at("b.txt"), this->at("c.txt")); }));
+    EXPECT_TRUE(moves([&] { fs.remove(this->at("c.txt")); }));
+    this->expectFailures({
+        {[&] { fs.folderStamp(this->at("gone")); }, 76},
+        {[&] { fs.folderStamp(this->at("a.txt")); }, 76},
+    });
+}
+
 REGISTER_TYPED_TEST_SUITE_P(FilesContract, MissingAndMisnamedThingsRaiseTheirClassicNumbers,
                             MissingDrivesAndFoldersOnTheWayAreMissingPaths, StreamsKeepToTheirMode,
                             ReplaceSwapsInOneStepAndReadOnlyFilesStay,
                             ReadOnlyFilesRefuseToBeWrittenOrReplaced,
                             FilesHeldOpenElsewhereRefuseWithSeventy,
                             AFileHeldOpenElsewhereIsNotReplaced, FoldersPathsAndDrives,
-                            NamesFollowWindows);
+                            NamesFollowWindows, AFolderStampMovesWithItsEntriesOnly);
 
 }  // namespace orvex::testing
