@@ -18,7 +18,7 @@ namespace regtype = orvex::platform::regtype;
 const std::string kParameters = "System\\CurrentControlSet\\Services\\Winsock2\\Parameters";
 const std::string kProtocols = kParameters + "\\P\\Catalog_Entries\\";
 const std::string kNameSpaces = kParameters + "\\N\\Catalog_Entries\\";
-constexpr std::size_t kMaxEntries = 12;
+constexpr std::size_t kMaxEntries = 6;
 
 void Write(const std::string& key, const RegValue& value) {
     auto& registry = orvex::platform::Registry();
