@@ -18,11 +18,9 @@ struct RegCase {
     const char* name;
     std::optional<MemoryComponent> component;  // none: a plain file
     std::uint32_t attributes;
-    bool noThread;
-    bool unregister;
-    bool result;
-    Strings ran;
-    Strings stillLoaded;
+    bool noThread, unregister, result;
+    const char* ran;  // the entry that ran, if one did
+    bool keptLoaded;
 };
 
 void PrintTo(const RegCase& c, std::ostream* out) {
@@ -38,80 +36,30 @@ TEST_P(RegSvr32Case, RunsTheEntryAndFreesTheLibraryOnlyWhenItFinished) {
     if (c.component) processes.addComponent(kDll, *c.component);
     processes.failThreadStart(c.noThread);
     EXPECT_EQ(RegSvr32(kDll, c.unregister), c.result);
-    EXPECT_EQ(processes.entriesRun(), c.ran);
-    EXPECT_EQ(processes.loadedLibraries(), c.stillLoaded);
+    EXPECT_EQ(processes.entriesRun(), *c.ran ? Strings{kDll + "|" + c.ran} : Strings{});
+    EXPECT_EQ(processes.loadedLibraries(), c.keptLoaded ? Strings{kDll} : Strings{});
     EXPECT_EQ(processes.openThreads(), 0u);
 }
 
 constexpr std::uint32_t kPlain = platform::attr::kArchive;
+const MemoryComponent kBoth{kBothEntries};
+const char* const kUnreg = "DllUnregisterServer";
 
 INSTANTIATE_TEST_SUITE_P(
     Components, RegSvr32Case,
-    ::testing::Values(RegCase{"Unregisters",
-                              MemoryComponent{kBothEntries},
-                              kPlain,
-                              false,
-                              true,
-                              true,
-                              {kDll + "|DllUnregisterServer"},
-                              {}},
-                      RegCase{"Registers",
-                              MemoryComponent{kBothEntries},
-                              kPlain,
-                              false,
-                              false,
-                              true,
-                              {kDll + "|DllRegisterServer"},
-                              {}},
-                      RegCase{"ReadOnlyIsFound",
-                              MemoryComponent{kBothEntries},
-                              platform::attr::kReadOnly,
-                              false,
-                              true,
-                              true,
-                              {kDll + "|DllUnregisterServer"},
-                              {}},
-                      RegCase{"HiddenIsNotFound",
-                              MemoryComponent{kBothEntries},
-                              platform::attr::kHidden,
-                              false,
-                              true,
-                              false,
-                              {},
-                              {}},
-                      RegCase{"SystemIsNotFound",
-                              MemoryComponent{kBothEntries},
-                              platform::attr::kSystem,
-                              false,
-                              true,
-                              false,
-                              {},
-                              {}},
-                      RegCase{"NotALibrary", std::nullopt, kPlain, false, true, false, {}, {}},
-                      RegCase{"NoSuchEntry",
-                              MemoryComponent{{"DllRegisterServer"}},
-                              kPlain,
-                              false,
-                              true,
-                              false,
-                              {},
-                              {}},
-                      RegCase{"NoThreadKeepsItLoaded",
-                              MemoryComponent{kBothEntries},
-                              kPlain,
-                              true,
-                              true,
-                              false,
-                              {},
-                              {kDll}},
-                      RegCase{"JustInTime",
-                              MemoryComponent{kBothEntries, 9900, 1},
-                              kPlain,
-                              false,
-                              true,
-                              true,
-                              {kDll + "|DllUnregisterServer"},
-                              {}}),
+    ::testing::Values(
+        RegCase{"Unregisters", kBoth, kPlain, false, true, true, kUnreg, false},
+        RegCase{"Registers", kBoth, kPlain, false, false, true, "DllRegisterServer", false},
+        RegCase{"ReadOnlyIsFound", kBoth, platform::attr::kReadOnly, false, true, true, kUnreg,
+                false},
+        RegCase{"HiddenIsNotFound", kBoth, platform::attr::kHidden, false, true, false, "", false},
+        RegCase{"SystemIsNotFound", kBoth, platform::attr::kSystem, false, true, false, "", false},
+        RegCase{"NotALibrary", std::nullopt, kPlain, false, true, false, "", false},
+        RegCase{"NoSuchEntry", MemoryComponent{{"DllRegisterServer"}}, kPlain, false, true, false,
+                "", false},
+        RegCase{"NoThreadKeepsItLoaded", kBoth, kPlain, true, true, false, "", true},
+        RegCase{"JustInTime", MemoryComponent{kBothEntries, 9900, 1}, kPlain, false, true, true,
+                kUnreg, false}),
     [](const auto& info) { return std::string(info.param.name); });
 
 class ComUnregisterTest : public testing::MemoryPlatformTest {};
