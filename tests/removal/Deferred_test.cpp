@@ -24,37 +24,23 @@ class DeferredTest : public testing::MemoryPlatformTest {
     std::string ShortSpy() { return files.shortPath(kSpy); }
 };
 
-struct OverwriteCase {
-    std::size_t size;
-    std::size_t overwritten;
-};
-
-void PrintTo(const OverwriteCase& c, std::ostream* out) {
-    *out << c.size << " bytes";
-}
-
-class WipeFileBytes : public DeferredTest, public ::testing::WithParamInterface<OverwriteCase> {};
-
 // The file can be written but not deleted, so the overwritten bytes stay to be seen, and the
 // failed delete is queued like any other.
-TEST_P(WipeFileBytes, OverwritesOneByteAtTheStartPerStarted4096) {
-    const auto [size, overwritten] = GetParam();
-    const std::string original(size, 'x');
-    files.addFile(kSpy, original);
-    files.denyDelete(kSpy);
-    EXPECT_TRUE(WipeFile(kSpy));
-    std::string expected = original;
-    expected.replace(0, overwritten, std::string(overwritten, '\xAA'));
-    EXPECT_EQ(files.contents(kSpy), expected);
-    ASSERT_EQ(system.movesAtRestart().size(), 1u);
-    EXPECT_EQ(system.movesAtRestart()[0].from, kSpy);
+TEST_F(DeferredTest, WipeFileOverwritesOneByteAtTheStartPerStarted4096) {
+    const std::pair<std::size_t, std::size_t> sizes[] = {
+        {0, 1}, {4095, 1}, {4096, 2}, {8191, 2}, {8192, 3}};
+    for (const auto& [size, overwritten] : sizes) {
+        const std::string original(size, 'x');
+        files.addFile(kSpy, original);
+        files.denyDelete(kSpy);
+        EXPECT_TRUE(WipeFile(kSpy));
+        std::string expected = original;
+        expected.replace(0, overwritten, std::string(overwritten, '\xAA'));
+        EXPECT_EQ(files.contents(kSpy), expected) << size << " bytes";
+    }
+    ASSERT_EQ(system.movesAtRestart().size(), std::size(sizes));
+    EXPECT_EQ(system.movesAtRestart().back().from, kSpy);
 }
-
-INSTANTIATE_TEST_SUITE_P(Sizes, WipeFileBytes,
-                         ::testing::Values(OverwriteCase{0, 1}, OverwriteCase{4095, 1},
-                                           OverwriteCase{4096, 2}, OverwriteCase{8191, 2},
-                                           OverwriteCase{8192, 3}),
-                         [](const auto& info) { return std::to_string(info.param.size); });
 
 TEST_F(DeferredTest, AReadOnlyFileIsDestroyedWithoutARestart) {
     files.addFile(kSpy, "MZ", platform::attr::kReadOnly | platform::attr::kHidden);
