@@ -155,16 +155,33 @@ TEST_F(BackupStoreTest, AnAppendThatCannotOpenTheStoreWritesNothing) {
     EXPECT_NE(ErrorLog().find("Procedure ( AddBackupDat )"), std::string::npos);
 }
 
+// The count is kept between stems, yet every stem must be what a fresh count gives.
 TEST_F(BackupStoreTest, TheStemIsTicksThenShownFilesCutToEightAndNeedsTheFolder) {
     system.setTickStep(0);
     system.setTickCount(1234);
-    EXPECT_EQ(BackupStem(), "12340");
-    files.addFile("C:\\App\\Backup\\1.asw");
-    files.addFile("C:\\App\\Backup\\2.asw");
-    files.addFile("C:\\App\\Backup\\h.asw", "", platform::attr::kHidden);
-    files.addFile("C:\\App\\Backup\\s.asw", "", platform::attr::kSystem);
+    const auto put = [&](const std::string& name, std::uint32_t attributes, bool ours) {
+        const std::string path = "C:\\App\\Backup\\" + name;
+        if (ours)
+            WriteIntoBackupFolder(path, [&] { files.addFile(path, "", attributes); });
+        else
+            files.addFile(path, "", attributes);
+        return BackupStem();
+    };
+    const std::uint32_t normal = platform::attr::kArchive;
+    std::vector<std::string> stems{BackupStem()};
+    put("h.asw", platform::attr::kHidden, false);
+    put("s.asw", platform::attr::kSystem, false);
     files.addFolder("C:\\App\\Backup\\sub");
-    EXPECT_EQ(BackupStem(), "12342");
+    for (const auto& [name, attributes, ours] : {std::tuple("1.asw", normal, false),
+                                                 {"2.asw", normal, true},
+                                                 {"2.asw", normal, true},
+                                                 {"3.asw", platform::attr::kHidden, true},
+                                                 {"4.asw", normal, false}})
+        stems.push_back(put(name, attributes, ours));
+    files.remove("C:\\App\\Backup\\1.asw");
+    stems.push_back(BackupStem());
+    EXPECT_EQ(stems, (std::vector<std::string>{"12340", "12341", "12342", "12342", "12342", "12343",
+                                               "12342"}));
 
     system.setTickCount(1234567);
     for (int i = 3; i <= 12; ++i)
@@ -176,29 +193,6 @@ TEST_F(BackupStoreTest, TheStemIsTicksThenShownFilesCutToEightAndNeedsTheFolder)
 
     App().BackupFolder = "C:\\App\\Missing";
     EXPECT_EQ(testing::FailureOf([] { BackupStem(); }), failure::kPathNotFound);
-}
-
-// The count is kept between stems, yet every stem must still be what a fresh count gives.
-TEST_F(BackupStoreTest, TheKeptCountFollowsOwnCopiesAndEveryOtherChange) {
-    system.setTickStep(0);
-    system.setTickCount(1234);
-    const auto write = [&](const std::string& name, std::uint32_t attributes) {
-        const std::string path = "C:\\App\\Backup\\" + name;
-        WriteIntoBackupFolder(path, [&] { files.addFile(path, "", attributes); });
-        return BackupStem();
-    };
-    const std::uint32_t normal = platform::attr::kArchive;
-    std::vector<std::string> stems{BackupStem()};
-    stems.push_back(write("a.asw", normal));
-    stems.push_back(write("a.asw", normal));  // the same stem again: overwritten
-    stems.push_back(write("h.asw", platform::attr::kHidden));
-    files.addFile("C:\\App\\Backup\\other.asw");  // by another program
-    stems.push_back(BackupStem());
-    files.remove("C:\\App\\Backup\\a.asw");
-    stems.push_back(BackupStem());
-    stems.push_back(write("c.asw", normal));
-    EXPECT_EQ(stems, (std::vector<std::string>{"12340", "12341", "12341", "12341", "12342", "12341",
-                                               "12342"}));
 }
 
 }  // namespace
