@@ -13,6 +13,7 @@
 #include "stores/AllowedItems.h"
 #include "stores/BackupStore.h"
 #include "ui/Form.h"
+#include "ui/FormScaling.h"
 #include "ui/Language.h"
 #include "ui/UiHost.h"
 
@@ -20,6 +21,7 @@ namespace orvex {
 
 void ResetProcessState() {
     ui::ResetForms();
+    ui::ScalingRecordsOfRun() = ui::ScalingRecords{};
     ui::ResetHost();
     platform::UninstallPlatform();
     App() = AppState{};

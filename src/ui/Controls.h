@@ -98,6 +98,13 @@ class RichTextBox : public Control {
     int SelHangingIndent = 0;
 };
 
+// A drawn line; its place is its two ends, not a rectangle.
+class Line : public Control {
+  public:
+    using Control::Control;
+    int X1 = 0, Y1 = 0, X2 = 0, Y2 = 0;
+};
+
 class CommandButton : public Control {
   public:
     using Control::Control;

@@ -26,6 +26,9 @@ class Form {
     virtual void Form_Unload(int& cancel) { (void)cancel; }
     virtual void Form_Activate() {}
     virtual void Form_Resize() {}
+    // Keeps bars and pictures that belong at the form's edges there, before a resize moves
+    // the other controls (see ResizeForm).
+    virtual void PlaceEdgeControls() {}
     virtual void Form_MouseMove() {}
     virtual void Form_KeyPress(int key) { (void)key; }
 
