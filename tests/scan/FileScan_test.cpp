@@ -59,49 +59,38 @@ TEST_F(FileScanTest, Md5FileReadsInChunksAndGivesLowerCaseHex) {
     }
 }
 
-// A digest hit decides alone (both.exe is also listed by name) and is confirmed.
+// A digest hit decides alone (both.exe is also listed by name) and is confirmed; a .txt is
+// not hashed, but its name still counts; the program's own folder is never judged.
 TEST_F(FileScanTest, OnlyListedExtensionsAreHashedAndADigestHitDecidesAlone) {
-    files.addFile("C:\\t\\both.exe", kBadBytes);
-    EXPECT_EQ(Judge("both.exe", "C:\\t\\"), VbTrue);
-    files.addFile("C:\\t\\x.txt", kBadBytes);
-    files.addFile("C:\\t\\x.kwd", kBadBytes);
-    files.addFile("C:\\t\\named.txt", kBadBytes);
-    EXPECT_EQ(Judge("x.txt", "C:\\t\\"), VbFalse);
-    EXPECT_EQ(Judge("x.kwd", "C:\\t\\"), VbTrue);
-    // Not hashed, but its name still counts.
-    EXPECT_EQ(Judge("named.txt", "C:\\t\\"), VbTrue);
-    ASSERT_EQ(Rows().size(), 3u);
-    EXPECT_EQ(Findings()[0], "HashThreat|FileSystem|Confirmed|C:\\t\\|both.exe");
-    EXPECT_EQ(Rows()[1].item, "x.kwd");
-    EXPECT_EQ(Rows()[2].name, "TextThreat");
+    for (const char* name : {"both.exe", "x.txt", "x.kwd", "named.txt"})
+        files.addFile(std::string("C:\\t\\") + name, kBadBytes);
+    files.addFile("C:\\Program Files\\Orvex\\sub\\both.exe", kBadBytes);
+    EXPECT_EQ((std::vector<VbBool>{Judge("both.exe", "C:\\t\\"), Judge("x.txt", "C:\\t\\"),
+                                   Judge("x.kwd", "C:\\t\\"), Judge("named.txt", "C:\\t\\"),
+                                   Judge("both.exe", "c:\\program files\\ORVEX\\sub\\"),
+                                   Judge("named.exe", "C:\\Program Files\\Orvex\\")}),
+              (std::vector<VbBool>{VbTrue, VbFalse, VbTrue, VbTrue, VbFalse, VbFalse}));
+    EXPECT_EQ(Findings(),
+              (std::vector<std::string>{"HashThreat|FileSystem|Confirmed|C:\\t\\|both.exe",
+                                        "HashThreat|FileSystem|Confirmed|C:\\t\\|x.kwd",
+                                        "TextThreat|FileSystem|Confirmed|C:\\t\\|named.txt"}));
 }
 
+// No [Exclusion] line means code 4; a test-only call still reports a suspect, but not a
+// confirmed find; one name under two threats gives a row for each; names compare exactly.
 TEST_F(FileScanTest, TheResultCodesDecideWhatANameHitIs) {
     for (const char* name : {"named.exe", "maybe.dat", "unlisted.exe", "twice.dll"})
         files.addFile(std::string("C:\\t\\") + name, "harmless");
-    EXPECT_EQ(Judge("unlisted.exe", "C:\\t\\"), VbFalse);  // no [Exclusion] line: code 4
-    EXPECT_TRUE(Rows().empty());
-    // A test-only call still reports a suspect, but not a confirmed find.
-    EXPECT_EQ(Judge("named.exe", "C:\\t\\", VbTrue), VbTrue);
-    EXPECT_EQ(Judge("maybe.dat", "C:\\t\\", VbTrue), VbTrue);
-    ASSERT_EQ(Rows().size(), 1u);
-    EXPECT_EQ(Rows()[0].level, "Suspect");
-    EXPECT_EQ(Judge("named.exe", "C:\\t\\"), VbTrue);
-    EXPECT_EQ(Rows().back().level, "Confirmed");
-    // One name under two threats gives a row for each.
-    EXPECT_EQ(Judge("twice.dll", "C:\\t\\"), VbTrue);
-    ASSERT_EQ(Rows().size(), 4u);
-    EXPECT_EQ(Rows()[2].name, "FirstThreat");
-    EXPECT_EQ(Rows()[3].name, "SecondThreat");
-    // The name comparison is exact.
-    EXPECT_EQ(Judge("NAMED.EXE", "C:\\t\\"), VbFalse);
-}
-
-TEST_F(FileScanTest, TheProgramsOwnFolderIsNeverJudged) {
-    files.addFile("C:\\Program Files\\Orvex\\sub\\both.exe", kBadBytes);
-    EXPECT_EQ(Judge("both.exe", "c:\\program files\\ORVEX\\sub\\"), VbFalse);
-    EXPECT_EQ(Judge("named.exe", "C:\\Program Files\\Orvex\\"), VbFalse);
-    EXPECT_TRUE(Rows().empty());
+    const std::string t = "C:\\t\\";
+    EXPECT_EQ((std::vector<VbBool>{Judge("unlisted.exe", t), Judge("named.exe", t, VbTrue),
+                                   Judge("maybe.dat", t, VbTrue), Judge("named.exe", t),
+                                   Judge("twice.dll", t), Judge("NAMED.EXE", t)}),
+              (std::vector<VbBool>{VbFalse, VbTrue, VbTrue, VbTrue, VbTrue, VbFalse}));
+    EXPECT_EQ(Findings(),
+              (std::vector<std::string>{"SuspectThreat|FileSystem|Suspect|C:\\t\\|maybe.dat",
+                                        "NameThreat|FileSystem|Confirmed|C:\\t\\|named.exe",
+                                        "FirstThreat|FileSystem|Confirmed|C:\\t\\|twice.dll",
+                                        "SecondThreat|FileSystem|Confirmed|C:\\t\\|twice.dll"}));
 }
 
 TEST_F(FileScanTest, AShortFolderNameMeetsTheFolderTestInItsLongForm) {

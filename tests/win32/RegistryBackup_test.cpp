@@ -11,6 +11,7 @@
 
 #include "platform/Platform.h"
 #include "platform/RegistryHelper.h"
+#include "support/RegistrySamples.h"
 
 namespace orvex::platform {
 namespace {
@@ -40,22 +41,9 @@ class RegistryBackupTest : public ::testing::Test {
         std::filesystem::remove_all(dir);
         std::filesystem::create_directories(dir);
         Registry().deleteTree(kUser, kKey);
-        const std::vector<RegValue> values = {
-            {"", regtype::kSz, "\"C:\\spy.exe\" /run caf\xe9"},
-            {"Lines", regtype::kSz, "one\r\ntwo"},
-            {"Empty", regtype::kSz, ""},
-            {"Path", regtype::kExpandSz, "%SystemRoot%\\spy"},
-            {"List", regtype::kMultiSz, std::string("a\0b c\0\0", 7)},
-            {"Count", regtype::kDword, std::string("\x2a\0\0\x80", 4)},
-            {"Short", regtype::kDword, "\x01"},
-            {"Quad", regtype::kQword, std::string("\x01\0\0\0\0\0\0\xff", 8)},
-            {"Blob", regtype::kBinary, std::string(200, '\xa5')},
-            {"None", regtype::kNone, ""},
-            {"Odd", 0x4711, std::string("\0x", 2)},
-        };
         for (const char* sub : {"", "\\Child\\Grand"}) {
             ASSERT_EQ(Registry().createKey(kUser, kKey + sub), regstatus::kOk);
-            for (const RegValue& v : values)
+            for (const RegValue& v : testing::SampleValues())
                 ASSERT_EQ(Registry().writeValue(kUser, kKey + sub, v), regstatus::kOk) << v.name;
         }
         ASSERT_EQ(Registry().createKey(kUser, kKey + "\\Child\\Empty"), regstatus::kOk);
