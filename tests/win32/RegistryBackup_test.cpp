@@ -12,6 +12,7 @@
 #include "platform/Platform.h"
 #include "platform/RegistryHelper.h"
 #include "support/RegistrySamples.h"
+#include "win32/SleepingChild.h"
 
 namespace orvex::platform {
 namespace {
@@ -19,20 +20,8 @@ namespace {
 constexpr Hive kUser = Hive::CurrentUser;
 const std::string kKey = "Software\\OrvexSentryBackupTest";
 
-// Runs a program of the system folder to its end; its exit code, or -1.
-int RunToEnd(std::string commandLine) {
-    STARTUPINFOA startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION started{};
-    if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW,
-                        nullptr, nullptr, &startup, &started))
-        return -1;
-    DWORD code = static_cast<DWORD>(-1);
-    if (WaitForSingleObject(started.hProcess, 120000) == WAIT_OBJECT_0)
-        GetExitCodeProcess(started.hProcess, &code);
-    CloseHandle(started.hThread);
-    CloseHandle(started.hProcess);
-    return static_cast<int>(code);
+long RunToEnd(const std::string& commandLine) {
+    return testing::RunAndWait(commandLine, CREATE_NO_WINDOW, 120000);
 }
 
 class RegistryBackupTest : public ::testing::Test {
