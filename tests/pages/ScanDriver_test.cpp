@@ -113,7 +113,7 @@ TEST_F(ScanDriverTest, TheResultsButtonLeavesWithoutMarkingTheScanStopped) {
         frmscan().Image2_Click();
     });
     Scan();
-    ASSERT_EQ(Rows().size(), 1u);
+    ASSERT_EQ(Rows().count(), 1);
     EXPECT_EQ(Outcome(), "00100; shown text 21");
 }
 
@@ -145,9 +145,9 @@ TEST_F(ScanDriverTest, OnlyFixedAndRootlessDrivesAreWalked) {
     files.remove("C:\\Users\\a\\bad.exe");
     files.remove("C:\\Users\\b\\named.exe");
     Scan();
-    ASSERT_EQ(Rows().size(), 2u);
-    EXPECT_EQ(Rows()[0].location, "e:\\");
-    EXPECT_EQ(Rows()[1].location, "h:\\");
+    EXPECT_EQ(Findings(),
+              (std::vector<std::string>{"HashThreat|FileSystem|Confirmed|e:\\|bad.exe",
+                                        "HashThreat|FileSystem|Confirmed|h:\\|bad.exe"}));
     EXPECT_TRUE(LastScanWritten());
 }
 

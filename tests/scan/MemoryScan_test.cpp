@@ -51,7 +51,6 @@ class MemoryScanTest : public testing::ScanTest {
         ScumListDetailsAdd(threat, kMemory, folder, item, "");
         ScumListOfRun().setChecked(ScumListOfRun().count(), true);
     }
-    static const ScumList& Rows() { return ScumListOfRun(); }
     // Whether each process still runs.
     std::vector<bool> Running(std::initializer_list<std::uint32_t> ids) {
         std::vector<bool> out;

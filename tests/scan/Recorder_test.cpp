@@ -32,7 +32,6 @@ class RecorderTest : public testing::ScanTest {
         ScumListDetailsAdd(name, category, location, item, level);
     }
 
-    static const ScumList& Rows() { return ScumListOfRun(); }
     static std::vector<std::string> List1() { return List1OfRun().Items(); }
 };
 
