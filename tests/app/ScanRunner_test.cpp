@@ -45,14 +45,13 @@ TEST_F(ScanRunnerTest, ThreatsBelowTheFolderGiveExitCodeOneAndALog) {
     int progressCalls = 0;
     request.progress = [&](std::string_view, std::int32_t) { ++progressCalls; };
     const HeadlessScanResult result = RunHeadlessScan(request);
-    EXPECT_EQ(result.exitCode, 1);
-    ASSERT_EQ(result.findings.size(), 2u);
-    EXPECT_EQ(result.findings[0].name, "HashThreat");
-    EXPECT_EQ(result.findings[0].location, "C:\\tree\\a\\");
-    EXPECT_EQ(result.findings[1].name, "NameThreat");
-    EXPECT_EQ(result.threats, 2);
-    EXPECT_EQ(App().AppPath, "C:\\app");
-    EXPECT_EQ(App().DataFolder, "C:\\defs\\");
+    EXPECT_EQ(FindingsTable(result.findings),
+              "NAME        CATEGORY    LEVEL      LOCATION    ITEM\n"
+              "HashThreat  FileSystem  Confirmed  C:\\tree\\a\\  bad.exe\n"
+              "NameThreat  FileSystem  Confirmed  C:\\tree\\b\\  named.exe\n");
+    EXPECT_EQ(std::to_string(result.exitCode) + " " + std::to_string(result.threats) + " " +
+                  App().AppPath + " " + App().DataFolder,
+              "1 2 C:\\app C:\\defs\\");
     EXPECT_GT(files.length("C:\\app\\Logged.txt"), 0u);
     EXPECT_GT(progressCalls, 0);
 }

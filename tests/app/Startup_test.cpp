@@ -84,13 +84,11 @@ TEST_F(StartupTest, WritesItsRegistryValuesAndFolders) {
     registry.setString(Hive::LocalMachine, kKey, "InstalledPath", "D:\\old\\");
 
     EXPECT_EQ(Main(""), StartOutcome::Running);
-    EXPECT_EQ(Value("Executable"), "OrvexSentry.exe");
-    EXPECT_EQ(Value("InstalledPath"), std::string(kAppFolder) + "\\");
-    EXPECT_EQ(App().AppPath, kAppFolder);
-    EXPECT_EQ(App().DataFolder, "C:\\Data\\");
-    EXPECT_EQ(App().BackupFolder, std::string(kAppFolder) + "\\Backup");
+    EXPECT_EQ(Value("Executable") + "|" + Value("InstalledPath") + "|" + App().AppPath + "|" +
+                  App().DataFolder + "|" + App().BackupFolder + "|" + App().UpdateBaseUrl,
+              "OrvexSentry.exe|C:\\Program Files\\Orvex Sentry\\|C:\\Program Files\\Orvex Sentry|"
+              "C:\\Data\\|C:\\Program Files\\Orvex Sentry\\Backup|http://update.orvexsentry.com/");
     EXPECT_TRUE(files.folderExists(App().BackupFolder));
-    EXPECT_EQ(App().UpdateBaseUrl, "http://update.orvexsentry.com/");
     EXPECT_EQ(host.MousePointer(), ui::pointer::kArrow);  // actions ends the busy time
     EXPECT_TRUE(frmmain().Visible);
 }

@@ -72,6 +72,9 @@ TEST_F(ErrorLogTest, EntriesWithAndWithoutLineNumberOverwriteTheStart) {
     ErrorHandler(5, "Invalid procedure call or argument", 0, "frmscan", "ScanItems");
     EXPECT_TRUE(Log().starts_with(
         Entry("5 ]:  Invalid procedure call or argument", "ScanItems", "frmscan", "Resume Next")));
+    // Line ends in the description are compacted too.
+    ErrorHandler(1234, "first\r\n\r\n\r\n\r\nsecond", 0, "m", "p");
+    EXPECT_TRUE(Log().starts_with("Error [ 1234 ]:  first\r\nsecond\r\nLocation:  "));
 }
 
 TEST_F(ErrorLogTest, MissingIdentityTexts) {
@@ -84,11 +87,6 @@ TEST_F(ErrorLogTest, MissingIdentityTexts) {
     system.setUserName(std::string("ann\0\0\0", 6));
     ErrorHandler(70, "Permission denied", 0, "m", "p");
     EXPECT_NE(Log().find(Tail("DESK", "ann")), std::string::npos) << Log();
-}
-
-TEST_F(ErrorLogTest, DescriptionLineEndsAreCompactedToo) {
-    ErrorHandler(1234, "first\r\n\r\n\r\n\r\nsecond", 0, "m", "p");
-    EXPECT_TRUE(Log().starts_with("Error [ 1234 ]:  first\r\nsecond\r\nLocation:  "));
 }
 
 TEST_F(ErrorLogTest, FailedWriteIsLoggedUnderWriteErrorToLog) {

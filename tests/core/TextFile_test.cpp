@@ -9,24 +9,18 @@ namespace orvex {
 namespace {
 
 using testing::FailureOf;
+using V = std::vector<std::string>;
 
 class TextFileTest : public testing::MemoryPlatformTest {
   protected:
-    std::vector<std::string> Lines(std::string_view bytes) {
+    // Every line of a file of these bytes, or with `fields` every delimited field.
+    V Read(std::string_view bytes, bool fields = false) {
         files.addFile("C:\\in.txt", bytes);
         TextFile file = TextFile::ForInput("C:\\in.txt");
-        std::vector<std::string> lines;
+        V out;
         while (!file.Eof())
-            lines.push_back(file.LineInput());
-        return lines;
-    }
-    std::vector<std::string> Fields(std::string_view bytes) {
-        files.addFile("C:\\in.txt", bytes);
-        TextFile file = TextFile::ForInput("C:\\in.txt");
-        std::vector<std::string> fields;
-        while (!file.Eof())
-            fields.push_back(file.Input());
-        return fields;
+            out.push_back(fields ? file.Input() : file.LineInput());
+        return out;
     }
 };
 
@@ -42,10 +36,9 @@ TEST_F(TextFileTest, PrintEndsLinesWithCrLf) {
 }
 
 TEST_F(TextFileTest, LineInputEndsAtCrOrCrLfButNotLoneLf) {
-    EXPECT_EQ(Lines("a\r\nb\rc\nd\r\n\r\ne"),
-              (std::vector<std::string>{"a", "b", "c\nd", "", "e"}));
-    EXPECT_EQ(Lines("last\n"), (std::vector<std::string>{"last\n"}));
-    EXPECT_TRUE(Lines("").empty());
+    EXPECT_EQ(Read("a\r\nb\rc\nd\r\n\r\ne"), (V{"a", "b", "c\nd", "", "e"}));
+    EXPECT_EQ(Read("last\n"), (V{"last\n"}));
+    EXPECT_TRUE(Read("").empty());
 }
 
 TEST_F(TextFileTest, LineInputAcrossTheReadBuffer) {
@@ -53,20 +46,20 @@ TEST_F(TextFileTest, LineInputAcrossTheReadBuffer) {
     for (int i = 0; i < 30000; ++i)
         bytes += "line " + std::to_string(i) + "\r\n";
     bytes += std::string(70000, 'x');  // one line longer than any read chunk
-    const std::vector<std::string> lines = Lines(bytes);
+    const V lines = Read(bytes);
     ASSERT_EQ(lines.size(), 30001u);
     EXPECT_EQ(lines[29999], "line 29999");
     EXPECT_EQ(lines.back().size(), 70000u);
     // A CR LF split by the read buffer is one line end.
     std::string split(64 * 1024 - 1, 'a');
-    EXPECT_EQ(Lines(split + "\r\nb"), (std::vector<std::string>{split, "b"}));
+    EXPECT_EQ(Read(split + "\r\nb"), (V{split, "b"}));
 }
 
 TEST_F(TextFileTest, InputReadsDelimitedFields) {
-    EXPECT_EQ(Fields("  a, b ,\"c, d\"\r\n\"e\"\r\nf\ng,"),
-              (std::vector<std::string>{"a", "b ", "c, d", "e", "f\ng"}));
-    EXPECT_EQ(Fields("\"open quote"), (std::vector<std::string>{"open quote"}));
-    EXPECT_EQ(Fields("\"x\"junk,y"), (std::vector<std::string>{"x", "y"}));
+    EXPECT_EQ(Read("  a, b ,\"c, d\"\r\n\"e\"\r\nf\ng,", true),
+              (V{"a", "b ", "c, d", "e", "f\ng"}));
+    EXPECT_EQ(Read("\"open quote", true), (V{"open quote"}));
+    EXPECT_EQ(Read("\"x\"junk,y", true), (V{"x", "y"}));
 }
 
 TEST_F(TextFileTest, ReadingPastTheEndIsFailure62AndOpeningAMissingFileFails) {

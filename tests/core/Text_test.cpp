@@ -13,23 +13,18 @@ using testing::FailureOf;
 using V = std::vector<std::string>;
 using Ints = std::vector<std::int64_t>;
 
-TEST(InStr, PositionsAreOneBased) {
-    EXPECT_EQ((Ints{InStr("abcabc", "c"), InStr(4, "abcabc", "c"), InStr(7, "abcabc", "c"),
-                    InStr(2, "abc", "")}),
-              (Ints{3, 6, 0, 2}));
-}
-
-// Accented capitals of Windows-1252 fold too; the multiply sign is no letter. StrComp
-// compares bytes unsigned.
-TEST(InStr, TextComparisonIgnoresCaseOfAnsiLetters) {
+// Positions are 1-based. Accented capitals of Windows-1252 fold too; the multiply sign is
+// no letter. StrComp compares bytes unsigned.
+TEST(InStr, PositionsAreOneBasedAndTextComparisonIgnoresCaseOfAnsiLetters) {
     const std::string path = "C:\\Program Files\\Spy.EXE";
     EXPECT_EQ(
-        (Ints{InStr(path, "spy.exe"), InStr(path, "spy.exe", Compare::Text),
+        (Ints{InStr("abcabc", "c"), InStr(4, "abcabc", "c"), InStr(7, "abcabc", "c"),
+              InStr(2, "abc", ""), InStr(path, "spy.exe"), InStr(path, "spy.exe", Compare::Text),
               InStr("x\xC9T\xE9", "\xE9t\xC9"), InStr("x\xC9T\xE9", "\xE9t\xC9", Compare::Text),
               InStr("\xD7", "\xF7", Compare::Text), InStrRev("a|B|b", "b", Compare::Text),
               InStrRev("a|B|b", "B"), StrComp("abc", "ab"), StrComp("\xE9", "z"),
               StrComp("ABC", "abc"), StrComp("ABC", "abc", Compare::Text)}),
-        (Ints{0, 18, 0, 2, 0, 5, 3, 1, 1, -1, 0}));
+        (Ints{3, 6, 0, 2, 0, 18, 0, 2, 0, 5, 3, 1, 1, -1, 0}));
 }
 
 TEST(CaseMapping, KeepsEveryNonLetterByte) {

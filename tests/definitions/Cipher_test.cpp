@@ -10,17 +10,11 @@
 namespace orvex {
 namespace {
 
-std::string Stretched(std::string_view text) {
+// `text` after one step of Coding: Stretch or Shrink.
+std::string Coded(std::string_view text, void (Coding::*step)()) {
     Coding coding;
     coding.Text(text);
-    coding.Stretch();
-    return coding.Text();
-}
-
-std::string Shrunk(std::string_view text) {
-    Coding coding;
-    coding.Text(text);
-    coding.Shrink();
+    (coding.*step)();
     return coding.Text();
 }
 
@@ -38,12 +32,12 @@ TEST(Coding, ShrinkInvertsStretchForEveryByteAndLength) {
         all += static_cast<char>(255 - c);
     for (std::size_t n = 0; n <= all.size(); n += (n < 12 ? 1 : 37)) {
         const std::string plain = all.substr(0, n);
-        const std::string stored = Stretched(plain);
+        const std::string stored = Coded(plain, &Coding::Stretch);
         // Three bytes to four characters of the printable range.
         EXPECT_EQ(stored.size(), n + (n + 2) / 3);
         for (char c : stored)
             ASSERT_TRUE(c >= ';' && c <= 'z') << n;
-        EXPECT_EQ(Shrunk(stored), plain) << n;
+        EXPECT_EQ(Coded(stored, &Coding::Shrink), plain) << n;
     }
 }
 

@@ -43,6 +43,14 @@ Lines Filled(const TextTable& table) {
     return out;
 }
 
+// Each digest as "first character code hash|name", the empty element first.
+Lines Md5s() {
+    Lines out;
+    for (const Md5Record& r : Definitions().Md5Index.Items)
+        out.push_back(std::to_string(r.FirstChar) + " " + r.Hash + "|" + r.Name);
+    return out;
+}
+
 class DefinitionLoaderTest : public testing::MemoryPlatformTest {
   protected:
     DefinitionLoaderTest() {
@@ -56,15 +64,11 @@ class DefinitionLoaderTest : public testing::MemoryPlatformTest {
         registry.addKey(Hive::LocalMachine, config::kProductKey);
         // The load starts with the buttons off, as actions leaves them.
         FrmMain& form = frmmain();
-        form.Image2.Enabled = false;
+        form.Image2.Enabled = form.Image3.Enabled = form.Image4.Enabled = form.mnuRun.Enabled =
+            false;
         form.Image2.Picture = 14;
-        form.Image3.Enabled = false;
         form.Image3.Picture = 7;
-        form.Image4.Enabled = false;
-        form.mnuRun.Enabled = false;
-        ui::ListItem stale;
-        stale.Text = "stale";
-        form.lvFiles.ListItems.push_back(stale);
+        form.lvFiles.ListItems.emplace_back().Text = "stale";
     }
     void Defs(std::string_view source) { files.addFile(kDefs, CompileDefinitionSource(source)); }
     void Static(std::string_view source) {
@@ -130,8 +134,8 @@ TEST_F(DefinitionLoaderTest, OneFilesLineLoadsEverythingUnsortedWithTheScanOff) 
     EXPECT_EQ(t.FileDefs.Items, (Lines{"Solo|Solo.exe", ""}));
     EXPECT_EQ(t.ExclusionDefs.Items, (Lines{"z.exe||||0|0", "a.exe||||0|0", ""}));
     EXPECT_TRUE(t.Md5Index.Items.empty());
-    EXPECT_FALSE(frmmain().Image2.Enabled);
-    EXPECT_EQ(frmmain().lbl1.Caption, "Definitions of 1 May");
+    EXPECT_EQ(MainWindow(),
+              "off/14 on/4 off on 0; Definitions of 1 May; Definition File date: 1 May");
 }
 
 // --- Sections --------------------------------------------------------------------------
@@ -204,14 +208,10 @@ TEST_F(DefinitionLoaderTest, FilesAndHashesAreSortedAndIndexed) {
     EXPECT_EQ(t.FileIndex[2].FileName + "|" + t.FileIndex[2].Name, "mid.sys|ThreatM");
     EXPECT_EQ(t.ExclusionDefs.Items, (Lines{"", "alpha.exe||||0|0", "zeta.exe||||0|0"}));
 
-    ASSERT_EQ(t.Md5Index.size(), 4u);
-    EXPECT_EQ(t.Md5Index.Count, 3);
-    EXPECT_EQ(t.Md5Index[0].FirstChar, 0);
-    EXPECT_EQ(t.Md5Index[1].Hash + "|" + t.Md5Index[1].Name, "0a|Alpha");
-    EXPECT_EQ(t.Md5Index[3].FirstChar, 'c');
+    EXPECT_EQ(Md5s(), (Lines{"0 |", "48 0a|Alpha", "98 b2|Beta", "99 c3|Gamma"}));
     // The raw hash lines go once the index is built.
+    EXPECT_EQ(std::to_string(t.Md5Index.Count) + " " + std::to_string(t.Md5Defs.Count), "3 0");
     EXPECT_EQ(t.Md5Defs.Items, (Lines{""}));
-    EXPECT_EQ(t.Md5Defs.Count, 0);
 }
 
 // Within a file the last definition version and the first static version win; a reload
@@ -229,22 +229,19 @@ TEST_F(DefinitionLoaderTest, VersionsAndReload) {
     EXPECT_EQ(Filled(t.FileDefs), (Lines{"x.exe|X", "y.exe|Y"}));
     ASSERT_EQ(t.FileIndex.size(), 3u);
     EXPECT_EQ(t.StartupDefs.Count, 0);
-    EXPECT_EQ(App().StaticDefinitionVer, "old static");
-    EXPECT_EQ(App().DefinitionDate, "new date");
-    EXPECT_EQ(Value("StaticDAT"), "old static");
+    EXPECT_EQ(App().StaticDefinitionVer + "|" + Value("StaticDAT") + "|" + App().DefinitionDate,
+              "old static|old static|new date");
 
     EXPECT_EQ(ErrorLog().find("Error [ 9 ]"), std::string::npos);
     // A data line starting with "Ver" is filed and read as a version too; without "=" the
     // read fails, is logged, and the load goes on.
     Defs("Ver=kept\n[Startup]\nVerminator|v.exe\n[End]\n");
     LoadReferenceFiles();
-    EXPECT_EQ(App().DefinitionDate, "kept");
-    EXPECT_EQ(t.StartupDefs[0], "Verminator|v.exe");
+    EXPECT_EQ(App().DefinitionDate + " " + t.StartupDefs[0], "kept Verminator|v.exe");
     EXPECT_NE(ErrorLog().find("Error [ 9 ]"), std::string::npos);
     Defs("Ver=date\n[Startup]\nVer|=dummy.exe\n[End]\n");
     LoadReferenceFiles();
-    EXPECT_EQ(t.StartupDefs[0], "Ver|=dummy.exe");
-    EXPECT_EQ(App().DefinitionDate, "dummy.exe");
+    EXPECT_EQ(App().DefinitionDate + " " + t.StartupDefs[0], "dummy.exe Ver|=dummy.exe");
 }
 
 // The yields count the steps of the classic algorithm, so they pin its pivot: the middle
@@ -320,9 +317,8 @@ TEST_F(DefinitionLoaderTest, ReadsAFileEncipheredIndependently) {
     LoadReferenceFiles();
     EXPECT_EQ(App().DefinitionDate, "2026.11.01");
     EXPECT_EQ(t.FileDefs.Items, (Lines{"", "alpha.dll|Compat.Alpha", "beta.exe|Compat.Beta"}));
-    ASSERT_EQ(t.Md5Index.Count, 1);
-    EXPECT_EQ(t.Md5Index[1].Hash, "0f343b0931126a20f133d67c2b018a3b");
-    EXPECT_EQ(t.Md5Index[1].Name, "Compat.Md5");
+    EXPECT_EQ(Md5s(), (Lines{"0 |", "48 0f343b0931126a20f133d67c2b018a3b|Compat.Md5"}));
+    EXPECT_EQ(t.Md5Index.Count, 1);
     EXPECT_EQ(t.RegistryDefs.Items, (Lines{"ERR2", "ERR1", ""}));
 }
 

@@ -10,6 +10,8 @@
 namespace orvex {
 namespace {
 
+using Lines = std::vector<std::string>;
+
 const std::string kLocation = "HKEY_LOCAL_MACHINE\\Software\\Bad";
 const std::string kItem = "Runner";
 const std::string kName = "BadThing";
@@ -66,6 +68,13 @@ class ScanLogTest : public testing::LogTest {
         form.pb1.Value = 0;
         form.PlayGif1.Play();
         return form;
+    }
+    // "rows left, bar value, then which of bar, animation and window still show".
+    static std::string Removal(const FrmRemoval& form) {
+        return std::to_string(ScumListOfRun().count()) + " " + std::to_string(form.pb1.Value) +
+               (form.pb1.Visible ? " bar" : "") + (form.PlayGif1.Playing ? " playing" : "") +
+               (form.PlayGif1.Visible ? " shown" : "") +
+               (ui::IsLoaded<FrmRemoval>() ? " loaded" : "");
     }
 };
 
@@ -175,25 +184,20 @@ TEST_F(ScanLogTest, FileInListNotFoundRemovesTheRowAndManualRemovalOnlyAdvancesT
     AddRows(3);
     FrmRemoval& form = RemovalWindow(3);
     Write("File In List Not Found", VbTrue, 2);
-    ASSERT_EQ(ScumListOfRun().count(), 2);
-    EXPECT_EQ(ScumListOfRun().row(1).item, "file1");
-    EXPECT_EQ(ScumListOfRun().row(2).item, "file3");
-    EXPECT_EQ(form.pb1.Value, 0);
+    EXPECT_EQ(ScumListOfRun().row(1).item + ScumListOfRun().row(2).item, "file1file3");
+    EXPECT_EQ(Removal(form), "2 0 bar playing loaded");
     EXPECT_EQ(files.contents(kLoggedTxt), "");
 
-    // A manual removal advances the bar, but keeps row and window, cancelled or not.
+    // A manual removal advances the bar, never past the end, but keeps row and window,
+    // cancelled or not.
     RemovalWindow(2);
     App().RemovalCancelled = VbTrue;
-    Write("Manual Intervention Required", VbTrue, 2);
-    EXPECT_EQ(form.pb1.Value, 1);
-    EXPECT_TRUE(form.PlayGif1.Playing);
-    Write("Manual Intervention Required", VbTrue, 1);
-    EXPECT_EQ(form.pb1.Value, 2);
-    EXPECT_FALSE(form.PlayGif1.Playing);
-    Write("Manual Intervention Required", VbTrue, 1);
-    EXPECT_EQ(form.pb1.Value, 2);  // never past the end
-    EXPECT_TRUE(ui::IsLoaded<FrmRemoval>());
-    EXPECT_EQ(ScumListOfRun().count(), 2);
+    Lines after;
+    for (int index : {2, 1, 1}) {
+        Write("Manual Intervention Required", VbTrue, index);
+        after.push_back(Removal(form));
+    }
+    EXPECT_EQ(after, (Lines{"2 1 bar playing loaded", "2 2 bar loaded", "2 2 bar loaded"}));
 }
 
 TEST_F(ScanLogTest, DeleteRemovesTheRowAndTheLastOneClosesTheWindow) {
@@ -201,18 +205,12 @@ TEST_F(ScanLogTest, DeleteRemovesTheRowAndTheLastOneClosesTheWindow) {
     FrmRemoval& form = RemovalWindow(2);
     form.Label1.Caption = "Removing Threats";
     Write("delete", VbTrue, 2);
-    EXPECT_EQ(ScumListOfRun().count(), 1);
-    EXPECT_EQ(form.pb1.Value, 1);
+    EXPECT_EQ(Removal(form), "1 1 bar playing loaded");
     EXPECT_EQ(form.Label2.Caption, "Backing up and removing items...");
-    EXPECT_TRUE(form.PlayGif1.Playing);
-    EXPECT_TRUE(ui::IsLoaded<FrmRemoval>());
     EXPECT_GE(host.Yields(), 1);  // the user may act while the row goes
 
     Write("delete", VbTrue, 1);
-    EXPECT_EQ(ScumListOfRun().count(), 0);
-    EXPECT_FALSE(ui::IsLoaded<FrmRemoval>());
-    EXPECT_EQ(form.pb1.Value, 2);
-    EXPECT_FALSE(form.pb1.Visible || form.PlayGif1.Playing || form.PlayGif1.Visible);
+    EXPECT_EQ(Removal(form), "0 2");
     EXPECT_EQ(form.Label1.Caption + "|" + form.Label2.Caption, "Removal finished.|");
     EXPECT_EQ(LoggedRecords().size(), 2u);
 }
@@ -223,11 +221,8 @@ TEST_F(ScanLogTest, DeleteAfterACancelStillRemovesAndLogsButLeavesTheWindow) {
     // The cancel press is handled while the delete lets events run.
     host.AtYield(1, [] { App().RemovalCancelled = VbTrue; });
     Write("delete", VbTrue, 1);
-    EXPECT_EQ(ScumListOfRun().count(), 0);
+    EXPECT_EQ(Removal(form), "0 0 bar playing loaded");
     EXPECT_EQ(LoggedRecords().size(), 1u);
-    EXPECT_TRUE(ui::IsLoaded<FrmRemoval>());
-    EXPECT_EQ(form.pb1.Value, 0);
-    EXPECT_TRUE(form.pb1.Visible);
 }
 
 TEST_F(ScanLogTest, FailuresAfterOpeningAreSilentAndKeepTheFindingUnlisted) {
@@ -235,7 +230,7 @@ TEST_F(ScanLogTest, FailuresAfterOpeningAreSilentAndKeepTheFindingUnlisted) {
     FrmRemoval& form = RemovalWindow(1);
     EXPECT_EQ(Write("delete", VbTrue, 5), VbTrue);
     EXPECT_EQ(LoggedRecords().size(), 1u);
-    EXPECT_EQ(form.pb1.Value, 0);
+    EXPECT_EQ(Removal(form), "0 0 bar playing loaded");
 
     // A log that cannot be opened: no record, no row, and no error log entry.
     files.lock(kLoggedTxt);

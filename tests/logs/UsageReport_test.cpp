@@ -23,12 +23,11 @@ class UsageReportTest : public testing::LogTest {
 };
 
 TEST_F(UsageReportTest, DetailListsTheCategoriesOfTheFirstLineThatHasAny) {
-    // The line without categories is passed over; the name compares in lower case.
-    EXPECT_EQ(GetItemDetail("TOOLBAR PLUS"), " Adware, Trojan");
-    // A word the table lacks gives an empty text; a code without a description is skipped.
-    EXPECT_EQ(GetItemDetail("Odd"), " Adware, , Spyware");
-    EXPECT_EQ(GetItemDetail("Nocats"), "Unclassified");
-    EXPECT_EQ(GetItemDetail("Unknown"), "Unclassified");
+    // The line without categories is passed over; the name compares in lower case. A word
+    // the table lacks gives an empty text; a code without a description is skipped.
+    EXPECT_EQ(GetItemDetail("TOOLBAR PLUS") + "|" + GetItemDetail("Odd") + "|" +
+                  GetItemDetail("Nocats") + "|" + GetItemDetail("Unknown"),
+              " Adware, Trojan| Adware, , Spyware|Unclassified|Unclassified");
 }
 
 TEST_F(UsageReportTest, LineWithoutAllowedItemsEndsInTheSeparator) {

@@ -44,6 +44,18 @@ class ScanDriverTest : public testing::ScanTest {
         return false;
     }
 
+    // "ScanStopped ScanRunning StopRequested, frmscan loaded, LastScan written; frmresults
+    // shown or not and its heading".
+    std::string Outcome() {
+        std::string flags;
+        for (bool on : {IsTrue(App().ScanStopped), IsTrue(App().ScanRunning),
+                        IsTrue(App().StopRequested), ui::IsLoaded<FrmScan>(), LastScanWritten()})
+            flags += on ? '1' : '0';
+        if (!ui::IsLoaded<FrmResults>()) return flags + "; no results";
+        return flags + (frmresults().Visible ? "; shown " : "; hidden ") +
+               frmresults().lbl2.Caption;
+    }
+
     static constexpr const char* kKey = config::kProductKey;
 };
 
@@ -53,12 +65,7 @@ TEST_F(ScanDriverTest, ACompleteScanRecordsLastScanAndShowsTheResults) {
                               "HashThreat|FileSystem|Confirmed|c:\\Users\\a\\|bad.exe",
                               "NameThreat|FileSystem|Confirmed|c:\\Users\\b\\|named.exe"}));
     EXPECT_EQ(registry.data(Hive::LocalMachine, kKey, "LastScan"), "11/22/2026 7:14:05 PM");
-    EXPECT_EQ(App().ScanRunning, VbFalse);
-    EXPECT_EQ(App().StopRequested, VbTrue);  // the page's unload sets it
-    EXPECT_EQ(App().ScanStopped, VbFalse);
-    EXPECT_FALSE(ui::IsLoaded<FrmScan>());
-    EXPECT_TRUE(frmresults().Visible);
-    EXPECT_EQ(frmresults().lbl2.Caption, "text 21");
+    EXPECT_EQ(Outcome(), "00101; shown text 21");  // the page's unload requests the stop
     EXPECT_TRUE(files.fileExists("C:\\Program Files\\Orvex\\Logged.txt"));
 }
 
@@ -85,14 +92,9 @@ TEST_F(ScanDriverTest, AStopAtAnyYieldEndsTheScanAndKeepsLastScanUnlessTheScanWa
         registry.deleteValue(Hive::LocalMachine, kKey, "LastScan");
         host.AtYield(host.Yields() + n, [] { frmscan().Image1_Click(); });
         Scan();
-        EXPECT_EQ(App().ScanStopped, VbTrue);
-        EXPECT_EQ(App().ScanRunning, VbFalse);
-        EXPECT_EQ(App().StopRequested, VbTrue);
-        EXPECT_FALSE(ui::IsLoaded<FrmScan>());
-        ASSERT_TRUE(ui::IsLoaded<FrmResults>());
-        EXPECT_EQ(frmresults().lbl2.Caption, kScanStoppedHeading);
+        EXPECT_EQ(Outcome(), std::string(lastScanAt[n - 1] ? "10101" : "10100") + "; shown " +
+                                 kScanStoppedHeading);
         EXPECT_TRUE(frmresults().Label1.Visible);
-        EXPECT_EQ(LastScanWritten(), lastScanAt[n - 1]);
         if (stages[n - 1] == "files") {
             ++filesStops;
             EXPECT_FALSE(LastScanWritten());
@@ -111,21 +113,14 @@ TEST_F(ScanDriverTest, TheResultsButtonLeavesWithoutMarkingTheScanStopped) {
         frmscan().Image2_Click();
     });
     Scan();
-    ASSERT_EQ(Rows().size(), 1u);
-    EXPECT_EQ(App().ScanStopped, VbFalse);
-    EXPECT_FALSE(LastScanWritten());
-    EXPECT_EQ(frmresults().lbl2.Caption, "text 21");
-    EXPECT_FALSE(ui::IsLoaded<FrmScan>());
+    ASSERT_EQ(Rows().count(), 1);
+    EXPECT_EQ(Outcome(), "00100; shown text 21");
 }
 
 TEST_F(ScanDriverTest, ClosingThePageStopsTheScanAndGoesToTheResults) {
     host.AtYield(host.Yields() + 5, [] { ui::Unload(frmscan()); });
     Scan();
-    EXPECT_EQ(App().StopRequested, VbTrue);
-    EXPECT_EQ(App().ScanRunning, VbFalse);
-    EXPECT_EQ(App().ScanStopped, VbFalse);
-    EXPECT_FALSE(LastScanWritten());
-    EXPECT_TRUE(frmresults().Visible);
+    EXPECT_EQ(Outcome(), "00100; shown text 21");
 }
 
 TEST_F(ScanDriverTest, TheStageTextTellsAScheduledScanFromOneTheUserStarted) {
@@ -150,9 +145,9 @@ TEST_F(ScanDriverTest, OnlyFixedAndRootlessDrivesAreWalked) {
     files.remove("C:\\Users\\a\\bad.exe");
     files.remove("C:\\Users\\b\\named.exe");
     Scan();
-    ASSERT_EQ(Rows().size(), 2u);
-    EXPECT_EQ(Rows()[0].location, "e:\\");
-    EXPECT_EQ(Rows()[1].location, "h:\\");
+    EXPECT_EQ(Findings(),
+              (std::vector<std::string>{"HashThreat|FileSystem|Confirmed|e:\\|bad.exe",
+                                        "HashThreat|FileSystem|Confirmed|h:\\|bad.exe"}));
     EXPECT_TRUE(LastScanWritten());
 }
 

@@ -5,6 +5,7 @@
 #include "platform/RegistryHelper.h"
 #include "support/FailureOf.h"
 #include "support/MemoryFixture.h"
+#include "support/RegistrySamples.h"
 
 namespace orvex::platform {
 namespace {
@@ -102,23 +103,10 @@ std::vector<std::string> Tree(RegistryBackend& reg, const std::string& path,
 
 TEST_F(RegistryHelperTest, ASavedKeyComesBackInPlaceOfWhatIsThere) {
     const std::string spy = "Software\\Spy";
-    const std::vector<RegValue> values = {
-        {"", regtype::kSz, "\"C:\\spy.exe\" /run"},
-        {"Lines", regtype::kSz, "one\r\ntwo"},
-        {"Empty", regtype::kSz, ""},
-        {"Path", regtype::kExpandSz, "%SystemRoot%\\spy"},
-        {"List", regtype::kMultiSz, std::string("a\0b\0\0", 5)},
-        {"Count", regtype::kDword, std::string("\x2a\0\0\x80", 4)},
-        {"Short", regtype::kDword, "\x01"},
-        {"Quad", regtype::kQword, std::string("\x01\0\0\0\0\0\0\xff", 8)},
-        {"Blob", regtype::kBinary, std::string(300, '\xa5')},
-        {"None", regtype::kNone, ""},
-        {"Odd", 0xdeadbeef, std::string("\0x", 2)},
-    };
     registry.addKey(kLm, spy + "\\Child\\Empty");
     for (const char* sub : {"", "\\Child\\Grand"}) {
         registry.addKey(kLm, spy + sub);
-        for (const RegValue& v : values)
+        for (const RegValue& v : testing::SampleValues())
             registry.writeValue(kLm, spy + sub, v);
     }
     const auto saved = Tree(registry, spy);

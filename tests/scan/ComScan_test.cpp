@@ -11,6 +11,8 @@ namespace {
 
 using platform::Hive;
 
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+
 const std::string kClsid = "{11111111-2222-3333-4444-555555555555}";
 const std::string kModuleUsage = "Software\\Microsoft\\Windows\\CurrentVersion\\moduleusage";
 const std::string kModuleUsageLocation = "HKEY_LOCAL_MACHINE\\" + kModuleUsage;
@@ -23,8 +25,8 @@ class ComScanTest : public testing::LogTest {
         CLSIDLocate(clsid, threat);
     }
 
-    static std::vector<std::pair<std::string, std::string>> Found() {
-        std::vector<std::pair<std::string, std::string>> rows;
+    static Pairs Found() {
+        Pairs rows;
         for (const ScumRow& row : ScumListOfRun())
             rows.emplace_back(row.location, row.category);
         return rows;
@@ -42,11 +44,10 @@ TEST_F(ComScanTest, EachPlaceReportsAKeyUnderItsOwnLocation) {
         const std::string key = place.path.empty() ? kClsid : place.path + "\\" + kClsid;
         registry.addKey(place.root, key);
         Locate();
-        const std::vector<std::pair<std::string, std::string>> expected = {
-            {place.rootName + "\\" + place.path + "\\", "Registry(Key)"}};
-        ASSERT_EQ(Found(), expected);  // the root place keeps its empty path: "...ROOT\\"
-        EXPECT_EQ(ScumListOfRun().row(1).item, kClsid);
-        EXPECT_EQ(ScumListOfRun().row(1).name, "BadBar");
+        // The root place keeps its empty path: "...ROOT\\".
+        ASSERT_EQ(Found(), (Pairs{{place.rootName + "\\" + place.path + "\\", "Registry(Key)"}}));
+        EXPECT_EQ(ScumListOfRun().row(1).name + "|" + ScumListOfRun().row(1).item,
+                  "BadBar|" + kClsid);
         registry.removeKey(place.root, key);
     }
 }
@@ -57,10 +58,8 @@ TEST_F(ComScanTest, ValueNameIsFoundAndAKeyOfTheSameNameWins) {
     registry.setString(Hive::CurrentUser, "SOFTWARE", kClsid, "x");
     registry.addKey(Hive::CurrentUser, "SOFTWARE\\" + kClsid);
     Locate();
-    const std::vector<std::pair<std::string, std::string>> expected = {
-        {"HKEY_CURRENT_USER\\SOFTWARE\\", "Registry(Key)"},
-        {"HKEY_LOCAL_MACHINE\\" + toolbar + "\\", "Registry(Value)"}};
-    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(Found(), (Pairs{{"HKEY_CURRENT_USER\\SOFTWARE\\", "Registry(Key)"},
+                              {"HKEY_LOCAL_MACHINE\\" + toolbar + "\\", "Registry(Value)"}}));
 }
 
 TEST_F(ComScanTest, ValueDataDecidesByItsTextFormAndAnEmptyClsidFindsNothing) {
@@ -71,9 +70,7 @@ TEST_F(ComScanTest, ValueDataDecidesByItsTextFormAndAnEmptyClsidFindsNothing) {
     registry.addKey(Hive::ClassesRoot, "CLSID\\Anything");
     Locate("");  // an empty CLSID finds nothing
     Locate();
-    const std::vector<std::pair<std::string, std::string>> expected = {
-        {"HKEY_CURRENT_USER\\SOFTWARE\\", "Registry(Value)"}};
-    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(Found(), (Pairs{{"HKEY_CURRENT_USER\\SOFTWARE\\", "Registry(Value)"}}));
 }
 
 TEST_F(ComScanTest, StopAtARowsYieldEndsTheWalkWithoutItsFinding) {
@@ -82,9 +79,7 @@ TEST_F(ComScanTest, StopAtARowsYieldEndsTheWalkWithoutItsFinding) {
     registry.addKey(Hive::LocalMachine, "SOFTWARE\\" + kClsid);
     host.AtYield(2, [] { App().StopRequested = VbTrue; });
     Locate();
-    const std::vector<std::pair<std::string, std::string>> expected = {
-        {"HKEY_CLASSES_ROOT\\CLSID\\", "Registry(Key)"}};
-    EXPECT_EQ(Found(), expected);
+    EXPECT_EQ(Found(), (Pairs{{"HKEY_CLASSES_ROOT\\CLSID\\", "Registry(Key)"}}));
     EXPECT_EQ(host.Yields(), 2);
 }
 

@@ -10,6 +10,8 @@
 namespace orvex {
 namespace {
 
+using V = std::vector<std::string>;
+
 const std::string kBadBytes = "bytes of a known bad file";
 
 class FileScanTest : public testing::ScanTest {
@@ -36,9 +38,9 @@ class FileScanTest : public testing::ScanTest {
 };
 
 TEST_F(FileScanTest, JustExtTakesTheTextBehindTheLastDotInLowerCase) {
-    EXPECT_EQ((std::vector<std::string>{JustExt("Setup.EXE"), JustExt("archive.tar.gz"),
-                                        JustExt("README"), JustExt("ends.")}),
-              (std::vector<std::string>{"exe", "gz", "", ""}));
+    EXPECT_EQ(
+        (V{JustExt("Setup.EXE"), JustExt("archive.tar.gz"), JustExt("README"), JustExt("ends.")}),
+        (V{"exe", "gz", "", ""}));
 }
 
 // Read in chunks, in lower-case hex; a file it cannot read says FILE NOT FOUND.
@@ -59,49 +61,36 @@ TEST_F(FileScanTest, Md5FileReadsInChunksAndGivesLowerCaseHex) {
     }
 }
 
-// A digest hit decides alone (both.exe is also listed by name) and is confirmed.
+// A digest hit decides alone (both.exe is also listed by name) and is confirmed; a .txt is
+// not hashed, but its name still counts; the program's own folder is never judged.
 TEST_F(FileScanTest, OnlyListedExtensionsAreHashedAndADigestHitDecidesAlone) {
-    files.addFile("C:\\t\\both.exe", kBadBytes);
-    EXPECT_EQ(Judge("both.exe", "C:\\t\\"), VbTrue);
-    files.addFile("C:\\t\\x.txt", kBadBytes);
-    files.addFile("C:\\t\\x.kwd", kBadBytes);
-    files.addFile("C:\\t\\named.txt", kBadBytes);
-    EXPECT_EQ(Judge("x.txt", "C:\\t\\"), VbFalse);
-    EXPECT_EQ(Judge("x.kwd", "C:\\t\\"), VbTrue);
-    // Not hashed, but its name still counts.
-    EXPECT_EQ(Judge("named.txt", "C:\\t\\"), VbTrue);
-    ASSERT_EQ(Rows().size(), 3u);
-    EXPECT_EQ(Findings()[0], "HashThreat|FileSystem|Confirmed|C:\\t\\|both.exe");
-    EXPECT_EQ(Rows()[1].item, "x.kwd");
-    EXPECT_EQ(Rows()[2].name, "TextThreat");
+    for (const char* name : {"both.exe", "x.txt", "x.kwd", "named.txt"})
+        files.addFile(std::string("C:\\t\\") + name, kBadBytes);
+    files.addFile("C:\\Program Files\\Orvex\\sub\\both.exe", kBadBytes);
+    EXPECT_EQ((std::vector<VbBool>{Judge("both.exe", "C:\\t\\"), Judge("x.txt", "C:\\t\\"),
+                                   Judge("x.kwd", "C:\\t\\"), Judge("named.txt", "C:\\t\\"),
+                                   Judge("both.exe", "c:\\program files\\ORVEX\\sub\\"),
+                                   Judge("named.exe", "C:\\Program Files\\Orvex\\")}),
+              (std::vector<VbBool>{VbTrue, VbFalse, VbTrue, VbTrue, VbFalse, VbFalse}));
+    EXPECT_EQ(Findings(), (V{"HashThreat|FileSystem|Confirmed|C:\\t\\|both.exe",
+                             "HashThreat|FileSystem|Confirmed|C:\\t\\|x.kwd",
+                             "TextThreat|FileSystem|Confirmed|C:\\t\\|named.txt"}));
 }
 
+// No [Exclusion] line means code 4; a test-only call still reports a suspect, but not a
+// confirmed find; one name under two threats gives a row for each; names compare exactly.
 TEST_F(FileScanTest, TheResultCodesDecideWhatANameHitIs) {
     for (const char* name : {"named.exe", "maybe.dat", "unlisted.exe", "twice.dll"})
         files.addFile(std::string("C:\\t\\") + name, "harmless");
-    EXPECT_EQ(Judge("unlisted.exe", "C:\\t\\"), VbFalse);  // no [Exclusion] line: code 4
-    EXPECT_TRUE(Rows().empty());
-    // A test-only call still reports a suspect, but not a confirmed find.
-    EXPECT_EQ(Judge("named.exe", "C:\\t\\", VbTrue), VbTrue);
-    EXPECT_EQ(Judge("maybe.dat", "C:\\t\\", VbTrue), VbTrue);
-    ASSERT_EQ(Rows().size(), 1u);
-    EXPECT_EQ(Rows()[0].level, "Suspect");
-    EXPECT_EQ(Judge("named.exe", "C:\\t\\"), VbTrue);
-    EXPECT_EQ(Rows().back().level, "Confirmed");
-    // One name under two threats gives a row for each.
-    EXPECT_EQ(Judge("twice.dll", "C:\\t\\"), VbTrue);
-    ASSERT_EQ(Rows().size(), 4u);
-    EXPECT_EQ(Rows()[2].name, "FirstThreat");
-    EXPECT_EQ(Rows()[3].name, "SecondThreat");
-    // The name comparison is exact.
-    EXPECT_EQ(Judge("NAMED.EXE", "C:\\t\\"), VbFalse);
-}
-
-TEST_F(FileScanTest, TheProgramsOwnFolderIsNeverJudged) {
-    files.addFile("C:\\Program Files\\Orvex\\sub\\both.exe", kBadBytes);
-    EXPECT_EQ(Judge("both.exe", "c:\\program files\\ORVEX\\sub\\"), VbFalse);
-    EXPECT_EQ(Judge("named.exe", "C:\\Program Files\\Orvex\\"), VbFalse);
-    EXPECT_TRUE(Rows().empty());
+    const std::string t = "C:\\t\\";
+    EXPECT_EQ((std::vector<VbBool>{Judge("unlisted.exe", t), Judge("named.exe", t, VbTrue),
+                                   Judge("maybe.dat", t, VbTrue), Judge("named.exe", t),
+                                   Judge("twice.dll", t), Judge("NAMED.EXE", t)}),
+              (std::vector<VbBool>{VbFalse, VbTrue, VbTrue, VbTrue, VbTrue, VbFalse}));
+    EXPECT_EQ(Findings(), (V{"SuspectThreat|FileSystem|Suspect|C:\\t\\|maybe.dat",
+                             "NameThreat|FileSystem|Confirmed|C:\\t\\|named.exe",
+                             "FirstThreat|FileSystem|Confirmed|C:\\t\\|twice.dll",
+                             "SecondThreat|FileSystem|Confirmed|C:\\t\\|twice.dll"}));
 }
 
 TEST_F(FileScanTest, AShortFolderNameMeetsTheFolderTestInItsLongForm) {
@@ -109,8 +98,7 @@ TEST_F(FileScanTest, AShortFolderNameMeetsTheFolderTestInItsLongForm) {
     const std::string shortFolder = files.shortPath("C:\\LongFolderName") + "\\";
     ASSERT_NE(shortFolder.find('~'), std::string::npos);
     EXPECT_EQ(Judge("tilde.exe", shortFolder), VbTrue);
-    ASSERT_EQ(Rows().size(), 1u);
-    EXPECT_EQ(Rows()[0].location, shortFolder);
+    EXPECT_EQ(Findings(), (V{"TildeThreat|FileSystem|Confirmed|" + shortFolder + "|tilde.exe"}));
 }
 
 TEST_F(FileScanTest, TheWalkVisitsSubfoldersBeforeFilesAndCountsEachFile) {
@@ -119,11 +107,11 @@ TEST_F(FileScanTest, TheWalkVisitsSubfoldersBeforeFilesAndCountsEachFile) {
                              "C:\\top\\a\\deeper\\w.exe", "C:\\top\\a\\plain.doc"})
         files.addFile(path, kBadBytes);
     colFiles().LoadFiles("c:", "\\top");
-    std::vector<std::string> found;
+    V found;
     for (const ScumRow& row : Rows())
         found.push_back(row.location + row.item);
-    EXPECT_EQ(found, (std::vector<std::string>{"c:\\top\\a\\deeper\\w.exe", "c:\\top\\a\\y.exe",
-                                               "c:\\top\\b\\x.exe", "c:\\top\\z1.exe"}));
+    EXPECT_EQ(found, (V{"c:\\top\\a\\deeper\\w.exe", "c:\\top\\a\\y.exe", "c:\\top\\b\\x.exe",
+                        "c:\\top\\z1.exe"}));
     EXPECT_EQ(App().ItemsScanned, 5);
     EXPECT_EQ(frmscan().lbl3.Caption, "Files checked: 5");
 }
@@ -149,8 +137,7 @@ TEST_F(FileScanTest, AFileThatVanishesBeforeItsJudgmentHasNoDigestAndSizeZero) {
     // The yield before the file's judgment is the first of the walk (no subfolders).
     host.AtYield(host.Yields() + 1, [&] { files.remove("C:\\v\\gone.exe"); });
     colFiles().LoadFiles("C:", "\\v");
-    ASSERT_EQ(Rows().size(), 1u);
-    EXPECT_EQ(Rows()[0].name, "GoneThreat");
+    EXPECT_EQ(Findings(), (V{"GoneThreat|FileSystem|Confirmed|C:\\v\\|gone.exe"}));
 }
 
 TEST_F(FileScanTest, AStopInMidFolderEndsTheWholeWalk) {
@@ -161,8 +148,7 @@ TEST_F(FileScanTest, AStopInMidFolderEndsTheWholeWalk) {
         if (ScumListOfRun().count() == 1) App().StopRequested = VbTrue;
     });
     colFiles().LoadFiles("C:", "\\s");
-    ASSERT_EQ(Rows().size(), 1u);
-    EXPECT_EQ(Rows()[0].item, "f1.exe");
+    EXPECT_EQ(Findings(), (V{"HashThreat|FileSystem|Confirmed|C:\\s\\a\\|f1.exe"}));
     EXPECT_EQ(App().ItemsScanned, 1);
 }
 
@@ -175,15 +161,14 @@ TEST_F(FileScanTest, ATreeTenThousandLevelsDeepIsWalkedWithoutExhaustingTheStack
     constexpr int kDepth = 10000;
 #endif
     std::string path = "C:\\deep";
-    std::vector<std::string> folders;
+    V folders;
     for (int i = 0; i < kDepth; ++i) {
         path += "\\d";
         folders.push_back(path);
     }
     files.addFile(path + "\\both.exe", kBadBytes);
     colFiles().LoadFiles("C:", "\\deep");
-    ASSERT_EQ(Rows().size(), 1u);
-    EXPECT_EQ(Rows()[0].location, path + "\\");
+    EXPECT_EQ(Findings(), (V{"HashThreat|FileSystem|Confirmed|" + path + "\\|both.exe"}));
     // Taken down from the bottom, so that the memory back-end's own teardown stays shallow.
     files.remove(path + "\\both.exe");
     for (auto it = folders.rbegin(); it != folders.rend(); ++it)

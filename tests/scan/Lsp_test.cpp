@@ -169,8 +169,8 @@ TEST_F(LspTest, HitsAreLoggedAndOnlyANameSpaceHitIsListed) {
     EXPECT_TRUE(EntriesOf(kProtocols).empty());
     EXPECT_TRUE(EntriesOf(kNameSpaces).empty());
     ASSERT_EQ(ScumListOfRun().count(), 1);
-    EXPECT_EQ(ScumListOfRun().row(1).name, "SpyThreat");
-    EXPECT_EQ(ScumListOfRun().row(1).location, "c:\\spy\\");
+    EXPECT_EQ(ScumListOfRun().row(1).name + " " + ScumListOfRun().row(1).location,
+              "SpyThreat c:\\spy\\");
     // The two deletes pass "Delete", which the log does not know, and write nothing.
     const std::vector<std::string> records = LoggedRecords();
     ASSERT_EQ(records.size(), 3u);

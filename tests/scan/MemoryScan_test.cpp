@@ -51,7 +51,6 @@ class MemoryScanTest : public testing::ScanTest {
         ScumListDetailsAdd(threat, kMemory, folder, item, "");
         ScumListOfRun().setChecked(ScumListOfRun().count(), true);
     }
-    static const ScumList& Rows() { return ScumListOfRun(); }
     // Whether each process still runs.
     std::vector<bool> Running(std::initializer_list<std::uint32_t> ids) {
         std::vector<bool> out;
@@ -178,29 +177,32 @@ TEST_F(MemoryScanTest, KillModeEndsTheProcessesOfCheckedMemoryRowsById) {
     EXPECT_TRUE(LogRecords().empty());  // kill mode logs no start
 }
 
-TEST_F(MemoryScanTest, KillModeOnNineXEndsEveryProcessWhosePathEndsInTheName) {
+// The agent on 9x is ended by name.
+TEST_F(MemoryScanTest, KillModeAndTheAgentOnNineXEndEveryProcessWhosePathEndsInTheName) {
     processes.setOsVersion(1, 4, 10);
     auto run9x = [&](const std::string& path) { return processes.addProcess(path, path); };
     const auto first = run9x("C:\\WINDOWS\\EXPLORER.EXE");
     const auto app = run9x("C:\\APPS\\APP.EXE");
     const auto myApp = run9x("C:\\OTHER\\MYAPP.EXE");
     const auto clean = run9x("C:\\APPS\\CLEAN.EXE");
+    const auto agent = run9x("C:\\SPYAGENT\\SA.EXE");
     Check("App", "app.exe");
     Scan(VbTrue);
-    EXPECT_EQ(Running({first, app, myApp, clean}), (std::vector<bool>{true, false, false, true}));
+    EXPECT_EQ(Running({first, app, myApp, clean, agent}),
+              (std::vector<bool>{true, false, false, true, true}));
+    RemoveSurveillanceAgent();
+    EXPECT_FALSE(processes.running(agent));
 }
 
 TEST_F(MemoryScanTest, KillAppReportsWhetherAnyMatchedAndIgnoresAnEmptyName) {
     const auto app = processes.addProcess("C:\\Apps\\App.exe");
-    bool found = true;
-    clsRunProc().KillApp("none.exe", found);
-    EXPECT_FALSE(found);
-    clsRunProc().KillApp("", found);
-    EXPECT_FALSE(found);
-    EXPECT_TRUE(processes.running(app));
-    clsRunProc().KillApp("APP.EXE", found);
-    EXPECT_TRUE(found);
-    EXPECT_FALSE(processes.running(app));
+    std::vector<bool> foundAndRunning;
+    for (const char* name : {"none.exe", "", "APP.EXE"}) {
+        bool found = true;
+        clsRunProc().KillApp(name, found);
+        foundAndRunning.insert(foundAndRunning.end(), {found, processes.running(app)});
+    }
+    EXPECT_EQ(foundAndRunning, (std::vector<bool>{false, true, false, true, true, false}));
 }
 
 // ---------------------------------------------------------------------------------------
@@ -226,14 +228,6 @@ TEST_F(MemoryScanTest, AgentInAFolderNamedAfterItIsEndedAndLoggedWithoutARow) {
     EXPECT_EQ(Running({first, agent, gone, other}), (std::vector<bool>{true, false, false, true}));
     EXPECT_TRUE(Rows().empty());
     EXPECT_EQ(LogRecords().size(), 2u);
-}
-
-TEST_F(MemoryScanTest, AgentOnNineXIsEndedByName) {
-    processes.setOsVersion(1, 4, 0);
-    processes.addProcess("C:\\WINDOWS\\EXPLORER.EXE", "C:\\WINDOWS\\EXPLORER.EXE");
-    const auto agent = processes.addProcess("C:\\SPYAGENT\\SA.EXE", "C:\\SPYAGENT\\SA.EXE");
-    RemoveSurveillanceAgent();
-    EXPECT_FALSE(processes.running(agent));
 }
 
 }  // namespace

@@ -32,8 +32,15 @@ class RecorderTest : public testing::ScanTest {
         ScumListDetailsAdd(name, category, location, item, level);
     }
 
-    static const ScumList& Rows() { return ScumListOfRun(); }
     static std::vector<std::string> List1() { return List1OfRun().Items(); }
+    // "rows; the names of List1; ScumCount; the count on frmscan".
+    static std::string State() {
+        std::string names;
+        for (const std::string& name : List1())
+            names += name + ",";
+        return std::to_string(Rows().count()) + "; " + names + "; " +
+               std::to_string(App().ScumCount) + "; " + frmscan().lbl4.Caption;
+    }
 };
 
 // ---------------------------------------------------------------------------------------
@@ -48,20 +55,14 @@ TEST_F(RecorderTest, DuplicatesIgnoreTheCaseOfNameAndItemOnly) {
     Add("Evil Agent", "evil.exe", "FileSystem", "C:\\TEMP\\");
     Add("Evil Agent", "evil.exe", "FileSystem", "C:\\Temp\\", kLevelSuspect);
     Add("Evil Agent", "evil.exe", "Memory Resident", "C:\\Temp\\");
-    ASSERT_EQ(Rows().count(), 4);
-    EXPECT_EQ(Rows().row(1).name, "Evil Agent");
-    EXPECT_EQ(Rows().row(1).level, "Confirmed");
-    EXPECT_EQ(List1(), std::vector<std::string>{"Evil Agent"});
-    EXPECT_EQ(App().ScumCount, 1);
+    EXPECT_EQ(State(), "4; Evil Agent,; 1; Threats found: 1");
+    EXPECT_EQ(Rows().row(1).name + "|" + Rows().row(1).level, "Evil Agent|Confirmed");
     // A duplicate changes neither List1 nor the count nor the caption.
     frmscan().lbl4.Caption = "untouched";
     List1OfRun().RemoveItem(0);
     App().ScumCount = 7;
     Add("EVIL AGENT", "Evil.exe");
-    EXPECT_EQ(Rows().count(), 4);
-    EXPECT_TRUE(List1().empty());
-    EXPECT_EQ(App().ScumCount, 7);
-    EXPECT_EQ(frmscan().lbl4.Caption, "untouched");
+    EXPECT_EQ(State(), "4; ; 7; untouched");
 }
 
 TEST_F(RecorderTest, List1KeepsTheFirstSpellingInOrderOfArrivalAndNoEmptyName) {
@@ -71,15 +72,11 @@ TEST_F(RecorderTest, List1KeepsTheFirstSpellingInOrderOfArrivalAndNoEmptyName) {
     Add("\xC9vil", "d.exe");  // E acute
     Add("\xE9VIL", "e.exe");  // e acute: the same name
     Add("", "f.exe");         // a row, but no entry
-    EXPECT_EQ(Rows().count(), 6);
-    EXPECT_EQ(List1(), (std::vector<std::string>{"Spy Tool", "Adware X", "\xC9vil"}));
-    EXPECT_EQ(App().ScumCount, 3);
     // The caption shows the count unless a stop was requested.
-    EXPECT_EQ(frmscan().lbl4.Caption, "Threats found: 3");
+    EXPECT_EQ(State(), "6; Spy Tool,Adware X,\xC9vil,; 3; Threats found: 3");
     App().StopRequested = VbTrue;
     Add("Late", "g.exe");
-    EXPECT_EQ(frmscan().lbl4.Caption, "Threats found: 3");
-    EXPECT_EQ(App().ScumCount, 4);
+    EXPECT_EQ(State(), "7; Spy Tool,Adware X,\xC9vil,Late,; 4; Threats found: 3");
 }
 
 TEST_F(RecorderTest, List1FollowsRemovalsAndEditsOnlyAtTheNextAdd) {
@@ -88,8 +85,7 @@ TEST_F(RecorderTest, List1FollowsRemovalsAndEditsOnlyAtTheNextAdd) {
     Add("SPY TOOL", "c.exe");
     ScumListOfRun().removeRow(1);
     // Nothing is rebuilt on removal...
-    EXPECT_EQ(List1(), (std::vector<std::string>{"Spy Tool", "Adware X"}));
-    EXPECT_EQ(App().ScumCount, 2);
+    EXPECT_EQ(State(), "2; Spy Tool,Adware X,; 2; Threats found: 2");
     // ...but the next add builds from the rows left: the later spelling, in the order of
     // the rows now first.
     Add("Other", "d.exe");
@@ -97,8 +93,7 @@ TEST_F(RecorderTest, List1FollowsRemovalsAndEditsOnlyAtTheNextAdd) {
     // A name taken out by the review page comes back while it still has rows.
     List1OfRun().RemoveItem(0);
     Add("Other", "e.exe");
-    EXPECT_EQ(List1(), (std::vector<std::string>{"Adware X", "SPY TOOL", "Other"}));
-    EXPECT_EQ(App().ScumCount, 3);
+    EXPECT_EQ(State(), "4; Adware X,SPY TOOL,Other,; 3; Threats found: 3");
 }
 
 TEST_F(RecorderTest, RowsAreNumberedFromOneAndStayConsistentAfterRemoval) {

@@ -23,7 +23,6 @@ class RegistryScanTest : public testing::ScanTest {
         for (const auto& line : lines)
             AppendLine(Definitions().RegistryDefs, line);
     }
-    static const ScumList& Rows() { return ScumListOfRun(); }
 };
 
 // ---------------------------------------------------------------------------------------

@@ -30,7 +30,7 @@ class ScanTest : public MemoryPlatformTest {
         ui::ResetForms();  // the load shows its outcome on frmmain
     }
 
-    static std::vector<ScumRow> Rows() { return {ScumListOfRun().begin(), ScumListOfRun().end()}; }
+    static const ScumList& Rows() { return ScumListOfRun(); }
     // Each finding as "name|category|level|location|item".
     static std::vector<std::string> Findings() {
         std::vector<std::string> out;

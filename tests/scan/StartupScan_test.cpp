@@ -120,17 +120,38 @@ TEST_F(StartupScanTest, OddDataTypesAndNamesNeverStopTheWalk) {
     EXPECT_EQ(App().ItemsScanned, 5);
 }
 
-TEST_F(StartupScanTest, StopInTheSecondRootsWalkEndsTheScanAndAnEarlierStopIsCleared) {
+// A stop ends each walk at once: in the second root's walk of the Run values, in the
+// definition walk of the Uninstall subkeys and in the name walk of SharedDlls. The Run and
+// SharedDlls scans clear a stop asked before they start.
+TEST_F(StartupScanTest, AStopInAnyWalkEndsTheScanAndAnEarlierStopIsCleared) {
     RunValue(Hive::LocalMachine, "A", "");
     RunValue(Hive::CurrentUser, "C", "");
     RunValue(Hive::CurrentUser, "D", "");
     Lines(Definitions().StartupDefs, {"T|a", "T|c", "T|d"});
-    App().StopRequested = VbTrue;
-    // Yields 1 to 4 are A's and its three lines; 5 is C's, 6 C's first line.
-    host.AtYield(6, [] { App().StopRequested = VbTrue; });
-    StartupRegistry();
-    EXPECT_EQ(Found(), (std::vector<Row>{{kHklmRun, "A", "T"}}));
-    EXPECT_EQ(App().ItemsScanned, 2);
+    registry.addKey(Hive::LocalMachine, kUninstall + "\\First");
+    registry.addKey(Hive::LocalMachine, kUninstall + "\\Second");
+    Lines(Definitions().AddRemoveDefs, {"T|first", "T|second"});
+    registry.setDword(Hive::LocalMachine, kShared, "C:\\a.dll", 1);
+    registry.setDword(Hive::LocalMachine, kShared, "C:\\b.dll", 1);
+    testing::PlantNames({{"a.dll", "A"}, {"b.dll", "B"}});
+    const struct {
+        void (*scan)();
+        int stopAt;  // yields 1 to 4 are A's and its three lines; 5 is C's, 6 C's first line
+        std::vector<Row> found;
+        int scanned;
+        VbBool stoppedBefore;
+    } cases[] = {{StartupRegistry, 6, {{kHklmRun, "A", "T"}}, 2, VbTrue},
+                 {AddRemoveRegistry, 1, {}, 1, VbFalse},
+                 {SharedDLLRegistry, 1, {}, 1, VbTrue}};
+    for (const auto& c : cases) {
+        ScumListOfRun().clear();
+        App().ItemsScanned = 0;
+        App().StopRequested = c.stoppedBefore;
+        host.AtYield(host.Yields() + c.stopAt, [] { App().StopRequested = VbTrue; });
+        c.scan();
+        EXPECT_EQ(Found(), c.found) << c.stopAt;
+        EXPECT_EQ(App().ItemsScanned, c.scanned) << c.stopAt;
+    }
 }
 
 TEST_F(StartupScanTest, UninstallSubkeysAreFoundUnderEachListingThreat) {
@@ -143,16 +164,6 @@ TEST_F(StartupScanTest, UninstallSubkeysAreFoundUnderEachListingThreat) {
               (std::vector<Row>{{location, "badtoolbar", "One"}, {location, "BadToolbar", "Two"}}));
     EXPECT_EQ(App().ItemsScanned, 2);
     EXPECT_EQ(frmscan().lbl3.Caption, "Files checked: 2");
-}
-
-TEST_F(StartupScanTest, UninstallStopInTheDefinitionWalkEndsEverything) {
-    registry.addKey(Hive::LocalMachine, kUninstall + "\\First");
-    registry.addKey(Hive::LocalMachine, kUninstall + "\\Second");
-    Lines(Definitions().AddRemoveDefs, {"T|first", "T|second"});
-    host.AtYield(1, [] { App().StopRequested = VbTrue; });
-    AddRemoveRegistry();
-    EXPECT_TRUE(Found().empty());
-    EXPECT_EQ(App().ItemsScanned, 1);
 }
 
 TEST_F(StartupScanTest, SharedDllsByDigestThenByBareName) {
@@ -170,17 +181,6 @@ TEST_F(StartupScanTest, SharedDllsByDigestThenByBareName) {
                                          {location, "C:\\Gone\\NAMED.dll", "NameOne"},
                                          {location, "C:\\Gone\\NAMED.dll", "NameTwo"}}));
     EXPECT_EQ(App().ItemsScanned, 4);
-}
-
-TEST_F(StartupScanTest, SharedDllsStopAtTheNameWalk) {
-    registry.setDword(Hive::LocalMachine, kShared, "C:\\a.dll", 1);
-    registry.setDword(Hive::LocalMachine, kShared, "C:\\b.dll", 1);
-    testing::PlantNames({{"a.dll", "A"}, {"b.dll", "B"}});
-    App().StopRequested = VbTrue;
-    host.AtYield(1, [] { App().StopRequested = VbTrue; });
-    SharedDLLRegistry();
-    EXPECT_TRUE(Found().empty());
-    EXPECT_EQ(App().ItemsScanned, 1);
 }
 
 }  // namespace

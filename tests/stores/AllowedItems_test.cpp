@@ -12,9 +12,7 @@ namespace {
 
 const std::string kStore = "C:\\App\\Exclude.dat";
 
-struct Rec {
-    std::string threat, kind, location, name;
-};
+using Lines = std::vector<std::string>;
 
 class AllowedItemsTest : public testing::MemoryPlatformTest {
   protected:
@@ -25,14 +23,16 @@ class AllowedItemsTest : public testing::MemoryPlatformTest {
         files.addFolder("C:\\Data");
     }
 
-    static std::vector<Rec> Records() {
-        std::vector<Rec> out;
+    // Each record as "threat|kind|location|name".
+    static Lines Records() {
+        Lines out;
         for (const ExclusionRecord& r : ExclusionRecords())
-            out.push_back({r.ThreatName, r.ItemKind, r.ItemLocation, r.ItemName});
+            out.push_back(r.ThreatName + "|" + r.ItemKind + "|" + r.ItemLocation + "|" +
+                          r.ItemName);
         return out;
     }
-    static std::vector<std::string> Texts(const ui::ListView& list) {
-        std::vector<std::string> out;
+    static Lines Texts(const ui::ListView& list) {
+        Lines out;
         for (const ui::ListItem& row : list.ListItems)
             out.push_back(row.Text);
         return out;
@@ -42,13 +42,6 @@ class AllowedItemsTest : public testing::MemoryPlatformTest {
             row.Selected = row.Text == threat;
     }
 };
-
-bool operator==(const Rec& a, const Rec& b) {
-    return a.threat == b.threat && a.kind == b.kind && a.location == b.location && a.name == b.name;
-}
-void PrintTo(const Rec& r, std::ostream* os) {
-    *os << r.threat << "|" << r.kind << "|" << r.location << "|" << r.name;
-}
 
 // A caret in a field shifts the fields after it: five pieces, the folder's tail becomes
 // the name and the name the kind, and written back the fifth piece is gone for good.
@@ -61,10 +54,9 @@ TEST_F(AllowedItemsTest, WriteExclusionsRoundTripsAndReloads) {
         "Spy^C:\\x\\^a.exe^FileSystem\r\n"
         "Key^^HKEY_CURRENT_USER\\Software\\Key^Registry(Key)\r\n";
     EXPECT_EQ(files.contents(kStore), kept + "Odd^C:\\odd^dir\\^a.exe^FileSystem\r\n");
-    EXPECT_EQ(Records(),
-              (std::vector<Rec>{{"Spy", "FileSystem", "C:\\x\\", "a.exe"},
-                                {"Key", "Registry(Key)", "", "HKEY_CURRENT_USER\\Software\\Key"},
-                                {"Odd", "a.exe", "C:\\odd", "dir\\"}}));
+    EXPECT_EQ(Records(), (Lines{"Spy|FileSystem|C:\\x\\|a.exe",
+                                "Key|Registry(Key)||HKEY_CURRENT_USER\\Software\\Key",
+                                "Odd|a.exe|C:\\odd|dir\\"}));
     WriteExclusions();
     EXPECT_EQ(files.contents(kStore), kept + "Odd^C:\\odd^dir\\^a.exe\r\n");
     EXPECT_EQ(ErrorLog(), "");
@@ -77,11 +69,8 @@ TEST_F(AllowedItemsTest, ShortOddAndBinaryLinesAreSkippedOrKeptAsBytes) {
                               "\r\n^^^^^^^^^^\rno end^x^y^z");
     LoadExclusion();
     EXPECT_EQ(Records(),
-              (std::vector<Rec>{{"", "", "", ""},
-                                {"lf\n", "FileSystem", "a", "b"},
-                                {std::string("\x00\xff", 2), "FileSystem", "\x01", "\x80"},
-                                {"", "", "", ""},
-                                {"no end", "z", "x", "y"}}));
+              (Lines{"|||", "lf\n|FileSystem|a|b", std::string("\x00\xff|FileSystem|\x01|\x80", 17),
+                     "|||", "no end|z|x|y"}));
 }
 
 // An absent store is no error; one that cannot be opened is logged.
@@ -106,11 +95,11 @@ TEST_F(AllowedItemsTest, TheWindowListsThreatsOnceAndOnlyKnownKinds) {
                   "SPY^HKEY_CURRENT_USER\\S^v^Registry(Value)\r\n"
                   "Ad^HKEY_CURRENT_USER\\Ad^^Registry(Key)\r\n");
     FrmExclude& form = frmexclude();
-    EXPECT_EQ(Records()[2], (Rec{"SPY", "Registry(Value)", "HKEY_CURRENT_USER\\S", "v"}));
-    EXPECT_EQ(Texts(form.lvExclusion), (std::vector<std::string>{"Spy", "SPY", "Ad"}));
+    EXPECT_EQ(Records()[2], "SPY|Registry(Value)|HKEY_CURRENT_USER\\S|v");
+    EXPECT_EQ(Texts(form.lvExclusion), (Lines{"Spy", "SPY", "Ad"}));
     EXPECT_EQ(form.lvExclusion.ListItems[1].SubItems,
-              (std::vector<std::string>{"Registry(Value)", "HKEY_CURRENT_USER\\S", "v"}));
-    EXPECT_EQ(Texts(form.lvE1), (std::vector<std::string>{"Spy", "Ad"}));
+              (Lines{"Registry(Value)", "HKEY_CURRENT_USER\\S", "v"}));
+    EXPECT_EQ(Texts(form.lvE1), (Lines{"Spy", "Ad"}));
 }
 
 TEST_F(AllowedItemsTest, TakingAThreatOffWithTheLeftButtonRemovesAllItsRecords) {
@@ -122,14 +111,14 @@ TEST_F(AllowedItemsTest, TakingAThreatOffWithTheLeftButtonRemovesAllItsRecords) 
     FrmExclude& form = frmexclude();
     Select("Spy");
     form.Image2_MouseDown(2);  // only the left button removes
-    EXPECT_EQ(Texts(form.lvE1), (std::vector<std::string>{"Spy", "Ad"}));
+    EXPECT_EQ(Texts(form.lvE1), (Lines{"Spy", "Ad"}));
     form.Image2_MouseDown(1);
-    EXPECT_EQ(Texts(form.lvE1), std::vector<std::string>{"Ad"});
+    EXPECT_EQ(Texts(form.lvE1), Lines{"Ad"});
     EXPECT_TRUE(form.lvE1.ListItems[0].Selected);
     // The rewrite holds what the window held: a row of unknown kind was never shown and
     // is dropped with the rest.
     EXPECT_EQ(files.contents(kStore), "Ad^HKEY_CURRENT_USER\\Ad^^Registry(Key)\r\n");
-    EXPECT_EQ(Records(), (std::vector<Rec>{{"Ad", "Registry(Key)", "HKEY_CURRENT_USER\\Ad", ""}}));
+    EXPECT_EQ(Records(), Lines{"Ad|Registry(Key)|HKEY_CURRENT_USER\\Ad|"});
 
     Select("Ad");
     form.Image2_MouseDown(1);

@@ -16,15 +16,12 @@
 namespace orvex {
 namespace {
 
+using testing::Exists;
 using testing::ThisExecutable;
 
 constexpr const char* kChildArgument = "--orvex-unregister-child ";
 constexpr DWORD kChildCarriedOn = 5;
 constexpr DWORD kHungEntryResult = 77;
-
-bool Exists(const std::string& path) {
-    return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
 
 void Touch(const std::string& path) {
     HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
@@ -49,9 +46,7 @@ class ComUnregisterTest : public ::testing::Test {
     ComUnregisterTest() {
         ResetProcessState();  // which leaves no platform installed
         installed_.emplace(host_->view());
-        char temp[MAX_PATH + 1] = {};
-        GetTempPathA(MAX_PATH, temp);
-        work_ = std::string(temp) + "orvexcomponents\\";
+        work_ = testing::TempFolder() + "orvexcomponents\\";
         CreateDirectoryA(work_.c_str(), nullptr);
     }
     ~ComUnregisterTest() override {
@@ -105,21 +100,11 @@ TEST_F(ComUnregisterTest, TheEntryRunsAndTheLibraryIsFreed) {
 TEST_F(ComUnregisterTest, AHungEntryEndsTheCallingThreadAndNothingAfterRuns) {
     const std::string path = Copy("component_hangs.dll");
     const std::string program = ThisExecutable();
-    std::string commandLine = "\"" + program + "\" " + kChildArgument + path;
-    STARTUPINFOA startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION child{};
-    ASSERT_TRUE(CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                               nullptr, &startup, &child));
-    DWORD code = 0;
-    EXPECT_EQ(WaitForSingleObject(child.hProcess, 60000), WAIT_OBJECT_0);
-    GetExitCodeProcess(child.hProcess, &code);
-    CloseHandle(child.hThread);
-    CloseHandle(child.hProcess);
+    const long code = testing::RunAndWait("\"" + program + "\" " + kChildArgument + path);
     EXPECT_TRUE(Exists(path + ".unregistered"));
     EXPECT_FALSE(Exists(path + ".after"));
     // The hung thread was the last one left, so its result became the process's.
-    EXPECT_EQ(code, kHungEntryResult);
+    EXPECT_EQ(code, static_cast<long>(kHungEntryResult));
 }
 
 }  // namespace

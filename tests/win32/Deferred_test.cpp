@@ -20,25 +20,19 @@
 namespace orvex {
 namespace {
 
+using testing::Exists;
+using testing::RunAndWait;
+using testing::TempFolder;
+
 const char* const kSessionManager = "System\\CurrentControlSet\\Control\\Session Manager";
 const char* const kWipeArgument = "--orvex-wipe-child ";
 constexpr DWORD kWiped = 1;
 constexpr DWORD kRestartNeeded = 2;
 
-std::string TempFolder() {
-    char temp[MAX_PATH + 1] = {};
-    GetTempPathA(MAX_PATH, temp);
-    return temp;
-}
-
 std::string WindowsFolder() {
     char folder[MAX_PATH + 1] = {};
     GetWindowsDirectoryA(folder, MAX_PATH);
     return folder;
-}
-
-bool Exists(const std::string& path) {
-    return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 // A new file, held open without sharing until the handle is closed.
@@ -74,22 +68,6 @@ std::string PendingRenames() {
                      RRF_RT_REG_MULTI_SZ, nullptr, data, &size) != ERROR_SUCCESS)
         return "";
     return std::string(data, size);
-}
-
-// Runs a program and waits for it; its exit code, or -1 when it did not end.
-long RunAndWait(std::string commandLine) {
-    STARTUPINFOA startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION started{};
-    if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                        &startup, &started))
-        return -1;
-    DWORD code = 0;
-    const bool ended = WaitForSingleObject(started.hProcess, 60000) == WAIT_OBJECT_0 &&
-                       GetExitCodeProcess(started.hProcess, &code);
-    CloseHandle(started.hThread);
-    CloseHandle(started.hProcess);
-    return ended ? static_cast<long>(code) : -1;
 }
 
 long RestartPrefix() {

@@ -17,6 +17,7 @@
 #include "scan/Lsp.h"
 #include "scan/Recorder.h"
 #include "ui/HeadlessHost.h"
+#include "win32/SleepingChild.h"
 
 namespace orvex {
 namespace {
@@ -46,9 +47,7 @@ class LspCatalogTest : public ::testing::Test {
         App() = AppState{};
         Definitions() = DefinitionTables{};
         ScumListOfRun().clear();
-        char temp[MAX_PATH + 1] = {};
-        GetTempPathA(MAX_PATH, temp);
-        App().DataFolder = temp;
+        App().DataFolder = testing::TempFolder();
         App().AppPath = App().DataFolder + "orvexlsp";
         saved_ = App().DataFolder + "orvexlsp-parameters.sav";
         DeleteFileA(saved_.c_str());

@@ -11,6 +11,8 @@
 
 #include "platform/Platform.h"
 #include "platform/RegistryHelper.h"
+#include "support/RegistrySamples.h"
+#include "win32/SleepingChild.h"
 
 namespace orvex::platform {
 namespace {
@@ -18,20 +20,8 @@ namespace {
 constexpr Hive kUser = Hive::CurrentUser;
 const std::string kKey = "Software\\OrvexSentryBackupTest";
 
-// Runs a program of the system folder to its end; its exit code, or -1.
-int RunToEnd(std::string commandLine) {
-    STARTUPINFOA startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION started{};
-    if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW,
-                        nullptr, nullptr, &startup, &started))
-        return -1;
-    DWORD code = static_cast<DWORD>(-1);
-    if (WaitForSingleObject(started.hProcess, 120000) == WAIT_OBJECT_0)
-        GetExitCodeProcess(started.hProcess, &code);
-    CloseHandle(started.hThread);
-    CloseHandle(started.hProcess);
-    return static_cast<int>(code);
+long RunToEnd(const std::string& commandLine) {
+    return testing::RunAndWait(commandLine, CREATE_NO_WINDOW, 120000);
 }
 
 class RegistryBackupTest : public ::testing::Test {
@@ -40,22 +30,9 @@ class RegistryBackupTest : public ::testing::Test {
         std::filesystem::remove_all(dir);
         std::filesystem::create_directories(dir);
         Registry().deleteTree(kUser, kKey);
-        const std::vector<RegValue> values = {
-            {"", regtype::kSz, "\"C:\\spy.exe\" /run caf\xe9"},
-            {"Lines", regtype::kSz, "one\r\ntwo"},
-            {"Empty", regtype::kSz, ""},
-            {"Path", regtype::kExpandSz, "%SystemRoot%\\spy"},
-            {"List", regtype::kMultiSz, std::string("a\0b c\0\0", 7)},
-            {"Count", regtype::kDword, std::string("\x2a\0\0\x80", 4)},
-            {"Short", regtype::kDword, "\x01"},
-            {"Quad", regtype::kQword, std::string("\x01\0\0\0\0\0\0\xff", 8)},
-            {"Blob", regtype::kBinary, std::string(200, '\xa5')},
-            {"None", regtype::kNone, ""},
-            {"Odd", 0x4711, std::string("\0x", 2)},
-        };
         for (const char* sub : {"", "\\Child\\Grand"}) {
             ASSERT_EQ(Registry().createKey(kUser, kKey + sub), regstatus::kOk);
-            for (const RegValue& v : values)
+            for (const RegValue& v : testing::SampleValues())
                 ASSERT_EQ(Registry().writeValue(kUser, kKey + sub, v), regstatus::kOk) << v.name;
         }
         ASSERT_EQ(Registry().createKey(kUser, kKey + "\\Child\\Empty"), regstatus::kOk);

@@ -9,6 +9,7 @@
 
 #include "platform/Registry.h"
 #include "platform/contract/Contract.h"
+#include "support/RegistrySamples.h"
 
 namespace orvex::testing {
 
@@ -67,19 +68,11 @@ TYPED_TEST_P(RegistryContract, ValuesOfEveryTypeComeBackAsWritten) {
     std::string big(300000, '\0');
     for (std::size_t i = 0; i < big.size(); ++i)
         big[i] = static_cast<char>(i * 7);
-    const std::vector<RegValue> written = {
-        {"Text", regtype::kSz, "C:\\Program Files\\x.exe"},
-        {"", regtype::kSz, "default value"},
-        {"Expand", regtype::kExpandSz, ""},
-        {"Number", regtype::kDword, "\x78\x56\x34\x12"},
-        {"ShortDword", regtype::kDword, "\x01\x02"},
-        {"Quad", regtype::kQword, std::string("\x01\0\0\0\0\0\0\x80", 8)},
-        {"Multi", regtype::kMultiSz, std::string("a\0b\0\0", 5)},
-        {"Ansi", regtype::kSz, "caf\xe9 \xa9 \x80 \xff"},
-        {"Strange", 0x4711, "raw"},
-        {"Big", regtype::kBinary, big},
-        {"LongText", regtype::kSz, std::string(70000, 'q')},
-    };
+    std::vector<RegValue> written = SampleValues();
+    written.insert(written.end(), {{"Expand", regtype::kExpandSz, ""},
+                                   {"ShortDword", regtype::kDword, "\x01\x02"},
+                                   {"Big", regtype::kBinary, big},
+                                   {"LongText", regtype::kSz, std::string(70000, 'q')}});
     const std::string root = this->maker.root();
     for (const RegValue& value : written)
         ASSERT_EQ(this->reg.writeValue(this->kUser, root, value), regstatus::kOk) << value.name;

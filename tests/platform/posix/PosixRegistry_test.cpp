@@ -11,6 +11,7 @@
 
 #include "platform/Platform.h"
 #include "platform/posix/PosixTestFolder.h"
+#include "support/RegistrySamples.h"
 
 namespace orvex::platform {
 namespace {
@@ -27,13 +28,7 @@ class PosixRegistryTest : public ::testing::Test {
 };
 
 TEST_F(PosixRegistryTest, EveryChangeSurvivesARestartByteForByte) {
-    const std::vector<RegValue> values = {
-        {"DataPath", regtype::kSz, "C:\\Data\\"},
-        {"", regtype::kSz, "Caf\xE9 \x80 \xFF"},  // Windows-1252 bytes, not UTF-8
-        {"Blob", regtype::kBinary, std::string("\x00\x01\xFF\x7F", 4)},
-        {"Count", regtype::kDword, std::string("\x07\0\0\0", 4)},
-        {"Paths", regtype::kMultiSz, std::string("a\0b\0", 4)},
-    };
+    const std::vector<RegValue> values = orvex::testing::SampleValues();
     {
         // The host platform takes the file from ORVEX_REGISTRY.
         ::setenv("ORVEX_REGISTRY", file.c_str(), 1);
