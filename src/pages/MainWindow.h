@@ -12,6 +12,9 @@ class FrmMain : public ui::Form {
 
     // Loads the allowed list, the definitions and the backup list, in that order.
     void actions();
+    // The mailbox of a running copy: "/scan" written into txtScheduleCmd from outside closes
+    // the open pages and starts a scan, unless one is running.
+    void txtScheduleCmd_Change();
 
     ui::ImageButton Image2{*this, "Image2"};  // scan
     ui::ImageButton Image3{*this, "Image3"};  // update

@@ -1,9 +1,11 @@
 // ScanDriver_test.cpp: frmscan and ScanItems: a complete scan, a stop at every yield of a
 // scan, leaving and closing the page, the stage texts, the drives that are walked, LastScan
 // and the yielding pause.
+#include <algorithm>
 #include <string>
 
 #include "core/Config.h"
+#include "pages/MainWindow.h"
 #include "pages/ResultsPage.h"
 #include "pages/ScanPage.h"
 #include "platform/Md5.h"
@@ -134,6 +136,37 @@ TEST_F(ScanDriverTest, TheStageTextTellsAScheduledScanFromOneTheUserStarted) {
     App().ScanOnStart = VbTrue;
     Scan();
     EXPECT_EQ(shown, "text 1220");
+}
+
+// frmmain's mailbox: a schedule is lost during a scan and wiped unless it is "/scan", which
+// logs itself, closes the open pages and starts a scheduled scan.
+TEST_F(ScanDriverTest, AScheduleInTheMailboxStartsAScanUnlessOneIsRunning) {
+    const std::string log = "C:\\Program Files\\Orvex\\Logged.txt";
+    const auto logLines = [&] {
+        const std::string text = files.exists(log) ? files.contents(log) : "";
+        return std::count(text.begin(), text.end(), '\n');
+    };
+    Scan();
+    const auto scanLines = logLines();
+    files.remove(log);
+    ui::TextBox& mailbox = frmmain().txtScheduleCmd;
+    frmmain().Visible = true;
+    frmresults().Tag = "open before";
+    App().ScanRunning = VbTrue;
+    mailbox.SetText("/scan");
+    EXPECT_EQ(mailbox.Text(), "/scan");
+    App().ScanRunning = VbFalse;
+    App().StopRequested = VbTrue;
+    mailbox.SetText("/SCAN");
+    EXPECT_EQ(mailbox.Text() + (IsTrue(App().StopRequested) ? " stop" : ""), "");
+    EXPECT_EQ(logLines(), 0);
+    EXPECT_EQ(frmresults().Tag, "open before");
+
+    mailbox.SetText("/scan");
+    EXPECT_EQ(logLines(), scanLines + 1);
+    EXPECT_TRUE(IsTrue(App().Navigating) && IsTrue(App().ScanOnStart) && !frmmain().Visible);
+    EXPECT_EQ(frmresults().Tag + Outcome(), "00101; shown text 21");
+    EXPECT_EQ(mailbox.Text(), "");
 }
 
 TEST_F(ScanDriverTest, OnlyFixedAndRootlessDrivesAreWalked) {
