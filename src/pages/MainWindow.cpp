@@ -4,12 +4,16 @@
 #include "core/AppState.h"
 #include "core/Config.h"
 #include "core/ErrorHandler.h"
+#include "core/Text.h"
 #include "definitions/DefinitionLoader.h"
 #include "pages/ScanPage.h"
+#include "platform/FileSystem.h"
+#include "platform/Platform.h"
 #include "platform/RegistryHelper.h"
 #include "scan/ScanLogWrite.h"
 #include "stores/AllowedItems.h"
 #include "stores/BackupStore.h"
+#include "ui/Language.h"
 #include "ui/UiHost.h"
 
 namespace orvex {
@@ -19,6 +23,16 @@ ui::Form* LoadedForm(const std::string& name) {
     for (ui::Form* form : ui::LoadedForms())
         if (form->Name == name) return form;
     return nullptr;
+}
+
+// Fixed texts, in no language file: the first shows when none is installed.
+constexpr const char* kNoLanguageFiles = "Non \xE8 presente alcun file di linguaggio!";
+constexpr const char* kRestartForLanguage =
+    "If you change your language selection you must restart the application.";
+
+bool IsLanguageFile(const platform::DirEntry& entry) {
+    const std::string& name = entry.name;
+    return !entry.isFolder() && name.size() > 4 && LCase(name.substr(name.size() - 4)) == ".lng";
 }
 
 // Every page a schedule interrupts, in the order they are closed; unsaved work in them goes.
@@ -41,6 +55,58 @@ FrmMain::FrmMain() : Form("frmmain") {
     lvFiles.Visible = false;
     txtScheduleCmd.Visible = false;
     txtScheduleCmd.Change = [this] { txtScheduleCmd_Change(); };
+    LanguageEntry(0).Visible = false;
+}
+
+ui::MenuItem& FrmMain::LanguageEntry(std::size_t index) {
+    while (mnuLanguage.size() <= index) {
+        const int next = static_cast<int>(mnuLanguage.size());
+        auto& item =
+            *mnuLanguage.emplace_back(std::make_unique<ui::MenuItem>(*this, "mnuLanguage", next));
+        item.ParentMenu = mnuLanguages.Name;
+        item.Click = [this, next] { mnuLanguage_Click(next); };
+    }
+    return *mnuLanguage[index];
+}
+
+void FrmMain::MLSFillMenuLanguages() {
+    Procedure proc("frmmain", "MLSFillMenuLanguages");
+    proc.Run([&] {
+        std::vector<std::string> names;
+        for (const platform::DirEntry& entry : platform::Files().list(LanguageFolder()))
+            if (IsLanguageFile(entry)) names.push_back(entry.name);
+        if (names.empty()) {
+            ui::Host().MsgBox(kNoLanguageFiles, ui::msgbox::kOkOnly, config::kProductTitle);
+            return;
+        }
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            ui::MenuItem& item = LanguageEntry(i);
+            item.Caption = names[i].substr(0, names[i].size() - 4);
+            item.Visible = true;
+        }
+        const std::string current =
+            ReadLanguageValue(LanguageSettingsFile(), "Language", "CurrentLanguage");
+        for (const auto& item : mnuLanguage)
+            if (item->Caption == current) item->Checked = true;
+    });
+}
+
+void FrmMain::mnuLanguage_Click(int Index) {
+    Procedure proc("frmmain", "mnuLanguage_Click");
+    proc.Run([&] {
+        const int answer =
+            ui::Host().MsgBox(kRestartForLanguage, ui::msgbox::kYesNo, config::kProductTitle);
+        if (answer != ui::msgbox::kYes) return;
+        for (const auto& item : mnuLanguage)
+            item->Checked = false;
+        ui::MenuItem& chosen = *mnuLanguage.at(static_cast<std::size_t>(Index));
+        chosen.Checked = true;
+        CurrentLanguage() = chosen.Caption;
+        for (ui::Form* form : ui::LoadedForms())
+            LoadFormLanguage(*form);
+        WriteLanguageValue("Language", "CurrentLanguage", CurrentLanguage(),
+                           LanguageSettingsFile());
+    });
 }
 
 void FrmMain::txtScheduleCmd_Change() {

@@ -1,14 +1,18 @@
-// Language.cpp: the language table's load at start and the INI value read and write.
+// Language.cpp: the language table's load at start, a form's language load, and the INI
+// value read and write.
 #include "ui/Language.h"
 
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "core/AppState.h"
 #include "core/Convert.h"
 #include "core/TextFile.h"
 #include "platform/Failure.h"
 #include "platform/Platform.h"
+#include "ui/Form.h"
+#include "ui/UiHost.h"
 
 namespace orvex {
 namespace {
@@ -119,6 +123,30 @@ std::string ReadLanguageValue(const std::string& file, const std::string& sectio
                                                        : ProfileValue(file, section, key);
     });
     return value;
+}
+
+std::string LanguageSettingsFile() {
+    return LanguageFolder() + std::string(kSettingsFile);
+}
+
+void LoadFormLanguage(ui::Form& form) {
+    const std::string file = LanguageFolder() + CurrentLanguage() + ".lng";
+    const std::string& section = form.Name;
+    if (!form.Caption.empty())
+        form.Caption = ReadLanguageValue(file, section, section + ".Caption");
+    form.Tag = ReadLanguageValue(file, section, section + ".Tag");
+    for (ui::Control* control : form.Controls()) {
+        const std::string key = control->IsArrayElement()
+                                    ? control->Name + "(" + std::to_string(control->Index) + ")"
+                                    : control->Name;
+        for (const auto& [suffix, property] : {std::pair(".Caption", &ui::Control::Caption),
+                                               {".ToolTipText", &ui::Control::ToolTipText},
+                                               {".Tag", &ui::Control::Tag}}) {
+            std::string value = ReadLanguageValue(file, section, key + suffix);
+            if (!value.empty()) control->*property = std::move(value);
+        }
+        ui::DoEvents();
+    }
 }
 
 void WriteLanguageValue(const std::string& section, const std::string& key,

@@ -7,6 +7,10 @@
 
 namespace orvex {
 
+namespace ui {
+class Form;
+}
+
 // Files of this size or more are scanned line by line: the profile call does not cope
 // with them.
 inline constexpr std::uint64_t kProfileFileLimit = 64001;
@@ -27,6 +31,14 @@ void LoadLanguageAtStart();
 // first line that starts with the key, whatever its section.
 std::string ReadLanguageValue(const std::string& file, const std::string& section,
                               const std::string& key);
+
+// LangSetting.ini in the program folder, where the chosen language is kept.
+std::string LanguageSettingsFile();
+
+// Applies the current language's file to a loaded form: a caption the form has and its Tag
+// take the file's values (even empty ones); a control's caption, tooltip and tag only a
+// value the file has. Failures are passed over.
+void LoadFormLanguage(ui::Form& form);
 
 // Writes the value through the profile call; failures are passed over.
 void WriteLanguageValue(const std::string& section, const std::string& key,

@@ -5,6 +5,7 @@
 #include "stores/AllowedItems.h"
 #include "stores/BackupStore.h"
 #include "support/MemoryFixture.h"
+#include "ui/Language.h"
 
 namespace orvex {
 namespace {
@@ -34,6 +35,43 @@ TEST_F(MainWindowTest, ActionsLoadsAllowedListDefinitionsAndBackupsAndCreatesThe
     EXPECT_TRUE(registry.hasKey(platform::Hive::LocalMachine, "Software\\Norvani\\Orvex Sentry"));
     EXPECT_TRUE(frmmain().Image2.Enabled);
     EXPECT_EQ(host.MousePointer(), ui::pointer::kArrow);
+}
+
+// The language menu lists the files, ticks the one in use, and a confirmed choice applies the
+// file to every loaded form and is kept; form captions change, messages wait for a restart.
+TEST_F(MainWindowTest, TheLanguageMenuListsTheFilesAndAConfirmedChoiceTranslatesTheForms) {
+    frmmain().MLSFillMenuLanguages();
+    ASSERT_EQ(host.Messages().size(), 1u);
+    EXPECT_EQ(host.Messages()[0].prompt, "Non \xE8 presente alcun file di linguaggio!");
+
+    files.addFile("C:\\App\\English.lng", "[frmmain]\r\nfrmmain.Caption=Main\r\n");
+    files.addFile("C:\\App\\Deutsch.LNG",
+                  "[frmmain]\r\nfrmmain.Tag=de\r\nlbl2.Caption=Titel\r\n"
+                  "mnuLanguage(1).ToolTipText=Sprache\r\n[Strings]\r\n22=Orvex Sentry\r\n");
+    files.addFile("C:\\App\\notes.txt");
+    files.addFolder("C:\\App\\old.lng");
+    files.addFile("C:\\App\\LangSetting.ini", "[Language]\r\nCurrentLanguage=English\r\n");
+    frmmain().MLSFillMenuLanguages();
+    const auto menu = [] {
+        std::string text;
+        for (const auto& item : frmmain().mnuLanguage)
+            text += item->Caption + (item->Checked ? "* " : " ");
+        return text;
+    };
+    EXPECT_EQ(menu(), "Deutsch English* ");
+
+    frmmain().lbl1.Caption = "kept";
+    host.Answer(ui::msgbox::kNo);
+    frmmain().mnuLanguage[0]->Click();
+    EXPECT_EQ(menu() + frmmain().Caption, "Deutsch English* Orvex Sentry");
+    host.Answer(ui::msgbox::kYes);
+    frmmain().mnuLanguage[0]->Click();
+    EXPECT_EQ(menu() + CurrentLanguage(), "Deutsch* English Deutsch");
+    // A caption the file lacks goes empty on the form, stays on a control; the tag follows.
+    EXPECT_EQ(frmmain().Caption + "|" + frmmain().Tag + "|" + frmmain().lbl2.Caption + "|" +
+                  frmmain().lbl1.Caption + "|" + frmmain().mnuLanguage[1]->ToolTipText,
+              "|de|Titel|kept|Sprache");
+    EXPECT_EQ(ReadLanguageValue(LanguageSettingsFile(), "Language", "CurrentLanguage"), "Deutsch");
 }
 
 }  // namespace
