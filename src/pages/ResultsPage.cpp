@@ -8,6 +8,7 @@
 #include "logs/UsageReport.h"
 #include "pages/DetailsPage.h"
 #include "pages/RemovalPage.h"
+#include "pages/ScanPage.h"
 #include "pages/SuccessPage.h"
 #include "removal/RemovalDriver.h"
 #include "scan/Recorder.h"
@@ -17,6 +18,7 @@ namespace orvex {
 namespace {
 
 constexpr int kPicturePressed = 15;
+constexpr int kCancelPressed = 16;
 constexpr int kNoNumber = -1;  // the pieces of a summary without a count
 
 // The summary's pieces: message numbers, with the count after the first where it stands.
@@ -39,6 +41,35 @@ void Navigate(F&& step) {
 
 FrmResults::FrmResults() : Form("frmresults") {
     Image3.Click = [this] { cmdBlock_Click(); };
+    Image4.Click = [this] { cmdCancel_Click(); };
+    Image5.Click = [this] { RunScanAgain(); };
+    Label1.Click = [this] { RunScanAgain(); };
+}
+
+void FrmResults::Form_Unload(int&) {
+    if (IsTrue(App().Navigating)) return;
+    ReleaseSingleInstanceMutex();
+    ui::End();
+}
+
+void FrmResults::cmdCancel_Click() {
+    App().Navigating = VbFalse;
+    Image4.Picture = kCancelPressed;
+    Hide();
+    ui::Unload(*this);
+}
+
+// Navigating stays raised through the new scan, which brings this page back at its end.
+void FrmResults::RunScanAgain() {
+    App().Navigating = VbTrue;
+    App().ScanRunning = VbTrue;
+    App().StopRequested = VbFalse;
+    ScumListOfRun().clear();
+    App().ItemsScanned = 0;
+    Hide();
+    ui::DoEvents();
+    ui::Unload(*this);
+    frmscan().ScanItems();
 }
 
 // The heading and the option lines follow how the scan ended.

@@ -48,7 +48,8 @@ class Control {
 class Label : public Control {
   public:
     using Control::Control;
-    int Alignment = 0;  // 0 left, 1 right, 2 centre
+    int Alignment = 0;            // 0 left, 1 right, 2 centre
+    std::function<void()> Click;  // a few labels act as links
 };
 
 // A clickable picture; Picture selects one image of the form's ImageList (normal, hover,

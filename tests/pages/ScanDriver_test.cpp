@@ -169,6 +169,23 @@ TEST_F(ScanDriverTest, AScheduleInTheMailboxStartsAScanUnlessOneIsRunning) {
     EXPECT_EQ(mailbox.Text(), "");
 }
 
+// "Run Scan Again" after a stopped scan keeps the program through a new scan; cancel ends it,
+// with the single-instance mutex released.
+TEST_F(ScanDriverTest, TheResultsPageEndsTheProgramUnlessItGoesOnToAnotherPage) {
+    host.AtYield(host.Yields() + 5, [] { frmscan().Image1_Click(); });
+    Scan();
+    ASSERT_TRUE(frmresults().Label1.Visible);
+    frmresults().Label1.Click();
+    EXPECT_TRUE(IsTrue(App().Navigating));
+    EXPECT_EQ(Outcome(), "00101; shown text 21");
+    EXPECT_EQ(Rows().count(), 2);
+
+    App().SingleInstanceMutex = system.createMutex("Orvex", true).handle;
+    EXPECT_THROW(frmresults().Image4.Click(), ui::ProgramEnded);
+    EXPECT_FALSE(IsTrue(App().Navigating));
+    EXPECT_FALSE(system.releaseMutex(App().SingleInstanceMutex));  // no longer ours
+}
+
 TEST_F(ScanDriverTest, OnlyFixedAndRootlessDrivesAreWalked) {
     files.addDrive("F:\\", platform::drivetype::kRemovable);
     files.addDrive("G:\\", platform::drivetype::kCdRom);
