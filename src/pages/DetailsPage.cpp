@@ -1,9 +1,93 @@
-// DetailsPage.cpp: frmdetails and the views it shows the recorder's lists through.
+// DetailsPage.cpp: frmdetails, the views it shows the recorder's lists through, the level
+// filter, and the buttons that remove or allow the threats the user picks.
 #include "pages/DetailsPage.h"
 
+#include <algorithm>
 #include <utility>
 
+#include "core/AppState.h"
+#include "core/ErrorHandler.h"
+#include "core/Text.h"
+#include "definitions/DefinitionTables.h"
+#include "logs/UsageReport.h"
+#include "pages/RemovalPage.h"
+#include "pages/ResultsPage.h"
+#include "removal/RemovalDriver.h"
+#include "stores/AllowedItems.h"
+#include "ui/UiHost.h"
+
 namespace orvex {
+namespace {
+
+constexpr const char* kModule = "frmdetails";
+constexpr int kAllLevels = 65;
+constexpr int kFirstLevelText = 87;  // 87 to 91, by icon 1 to 5 or 6 to 10
+constexpr int kUnclassified = 111;
+constexpr int kThreatsWord = 66;
+constexpr int kLeftButton = 1;
+
+// The words of the definitions' categories and the messages that show them.
+constexpr std::pair<const char*, int> kCategoryWords[] = {{"Adware", 1193},
+                                                          {"Cookies", 1194},
+                                                          {"Homepage Hijacker", 1195},
+                                                          {"Searchpage Hijacker", 1196},
+                                                          {"Rogue Activex", 1197},
+                                                          {"Drive by Download", 1198},
+                                                          {"BHO", 1199},
+                                                          {"Emailer", 1200},
+                                                          {"Keylogger", 1201},
+                                                          {"Dialer", 1202},
+                                                          {"Rat", 1203},
+                                                          {"Retrospy", 1204},
+                                                          {"Trojan", 1205},
+                                                          {"Malware", 1206},
+                                                          {"Thiefware", 1207},
+                                                          {"Dataminer", 1208},
+                                                          {"Spyware", 1209},
+                                                          {"Surveillance Software", 1227}};
+
+std::string CategoryText(const std::string& word) {
+    for (const auto& [known, message] : kCategoryWords)
+        if (word == known) return Lng(message);
+    return "";
+}
+
+std::string LevelText(int icon) {
+    if (icon < 1 || icon > 10) return "";
+    return Lng(kFirstLevelText + (icon - 1) % 5);
+}
+
+// The line's fields, or none when it has fewer than `least`.
+std::vector<std::string> Fields(const std::string& line, std::size_t least) {
+    std::vector<std::string> fields = Split(line, "|");
+    return fields.size() >= least ? fields : std::vector<std::string>{};
+}
+
+std::string CategoryCodes(const std::string& name) {
+    const TextTable& lines = Definitions().ItemListDefs;
+    for (std::int32_t i = 0; i < lines.Count; ++i) {
+        const auto fields = Fields(lines[static_cast<std::size_t>(i)], 3);
+        if (!fields.empty() && LCase(fields[0]) == LCase(name) && !fields[2].empty())
+            return fields[2];
+    }
+    return "";
+}
+
+std::string CategoryWord(char code) {
+    const TextTable& lines = Definitions().DescriptionDefs;
+    for (std::int32_t i = 0; i < lines.Count; ++i) {
+        const auto fields = Fields(lines[static_cast<std::size_t>(i)], 2);
+        if (!fields.empty() && fields[0] == std::string(1, code)) return fields[1];
+    }
+    return "";
+}
+
+void RemoveName(ThreatNameList& names, const std::string& name) {
+    for (std::int32_t i = 0; i < names.ListCount(); ++i)
+        if (names.List(i) == name) return names.RemoveItem(i);
+}
+
+}  // namespace
 
 ScumListView::ScumListView(ui::Form& owner, std::string name, ScumList& rows)
     : Control(owner, std::move(name)), rows_(&rows) {}
@@ -15,6 +99,163 @@ FrmDetails::FrmDetails() : Form("frmdetails") {
     lvDetails.Visible = false;
     List1.Visible = false;
     lvEasy.Checkboxes = true;
+    Combo1.Click = [this] { Combo1_Click(); };
+    lvEasy.ColumnClick = [this](int column) { lvEasy_ColumnClick(column); };
+}
+
+void FrmDetails::Form_Load() {
+    Combo1.Items = {Lng(kAllLevels)};
+    for (int level = kFirstLevelText; level < kFirstLevelText + 5; ++level)
+        Combo1.Items.push_back(Lng(level));
+    Combo1.ListIndex = 0;
+    Combo1.Text = Combo1.Items[0];
+}
+
+std::string FrmDetails::GetItemDetail(std::string& name) {
+    std::string result;
+    Procedure proc(kModule, "GetItemDetail");
+    proc.Run([&] {
+        // A code without a description line adds nothing.
+        for (char code : CategoryCodes(name)) {
+            const std::string word = CategoryWord(code);
+            if (!word.empty()) result += " " + CategoryText(word) + ",";
+        }
+        if (!result.empty() && result.back() == ',') result.pop_back();
+        if (result.empty()) result = Lng(kUnclassified);
+    });
+    return result;
+}
+
+void FrmDetails::LoadEasy() {
+    Procedure proc(kModule, "LoadEasy");
+    proc.Run([&] {
+        lvEasy.ListItems.clear();
+        for (const ScumRow& finding : lvDetails.Rows()) {
+            bool listed = false;
+            for (const ui::ListItem& row : lvEasy.ListItems)
+                listed = listed || row.Text == finding.name;
+            if (listed) continue;  // the level of the first finding stands
+            std::string name = finding.name;
+            ui::ListItem threat;
+            threat.Text = name;
+            threat.SubItems = {GetItemDetail(name), LevelText(finding.icon)};
+            lvEasy.ListItems.push_back(std::move(threat));
+        }
+        ShowCount();
+        SelectFirst();
+    });
+}
+
+void FrmDetails::Filter() {
+    Procedure proc(kModule, "Filter");
+    proc.Run([&] {
+        if (Combo1.Text == Lng(kAllLevels)) return;
+        std::erase_if(lvEasy.ListItems, [&](const ui::ListItem& row) {
+            return row.SubItems.size() < 2 || row.SubItems[1] != Combo1.Text;
+        });
+        SelectFirst();
+    });
+}
+
+void FrmDetails::Combo1_Click() {
+    if (Combo1.Text.empty()) return;
+    LoadEasy();
+    Filter();
+}
+
+void FrmDetails::lvEasy_ColumnClick(int column) {
+    ui::Host().SetMousePointer(ui::pointer::kHourglass);
+    ui::DoSort(lvEasy, column, ui::NextSortOrder(lvEasy, column));
+    ui::Host().SetMousePointer(ui::pointer::kArrow);
+}
+
+void FrmDetails::Image1_MouseDown(int button) {
+    if (button != kLeftButton) return;
+    Procedure proc(kModule, "Image1_MouseDown");
+    proc.Run([&] {
+        App().RemovalCancelled = VbFalse;
+        ui::Host().SetMousePointer(ui::pointer::kHourglass);
+        ScumList& rows = lvDetails.Rows();
+        for (std::int32_t i = 1; i <= rows.count(); ++i)
+            rows.setChecked(i, true);
+        App().ThreatCount = List1.Names().ListCount();
+        for (const std::string& name : List1.Names().Items())
+            PhoneHome(name, 1);
+        if (rows.empty()) return;
+        App().BackupEnabled = VbTrue;
+        Hide();
+        App().Navigating = VbTrue;  // frmresults goes, and with it must not go the program
+        ui::Unload(frmresults());
+        frmremoval().Show();
+        BlockAll("");
+    });
+}
+
+// The removal comes back here: frmdetails stays visible, so the user sees what is left.
+void FrmDetails::Image2_MouseDown(int button) {
+    if (button != kLeftButton) return;
+    Procedure proc(kModule, "Image2_MouseDown");
+    proc.Run([&] {
+        App().RemovalCancelled = VbFalse;
+        App().BackupEnabled = VbTrue;
+        App().ThreatCount = 0;
+        ScumList& rows = lvDetails.Rows();
+        for (auto row = lvEasy.ListItems.size(); row-- > 0;) {
+            if (!lvEasy.ListItems[row].Selected) continue;
+            const std::string name = lvEasy.ListItems[row].Text;
+            ++App().ThreatCount;
+            for (std::int32_t i = 1; i <= rows.count(); ++i)
+                if (rows.row(i).name == name) rows.setChecked(i, true);
+            const auto& listed = List1.Names().Items();
+            if (std::find(listed.begin(), listed.end(), name) != listed.end()) {
+                PhoneHome(name, 1);
+                RemoveName(List1.Names(), name);
+            }
+            lvEasy.ListItems.erase(lvEasy.ListItems.begin() + static_cast<std::ptrdiff_t>(row));
+        }
+        frmremoval().Show();
+        BlockAll("");
+        ShowCount();
+    });
+}
+
+void FrmDetails::Image4_MouseDown(int button) {
+    if (button != kLeftButton) return;
+    Procedure proc(kModule, "Image4_MouseDown");
+    proc.Run([&] {
+        ScumList& rows = lvDetails.Rows();
+        for (auto row = lvEasy.ListItems.size(); row-- > 0;) {
+            if (!lvEasy.ListItems[row].Selected) continue;
+            const std::string name = lvEasy.ListItems[row].Text;
+            for (std::int32_t i = rows.count(); i >= 1; --i) {
+                const ScumRow& finding = rows.row(i);
+                if (LCase(finding.name) != LCase(name)) continue;
+                ExclusionRecords().Add(
+                    {finding.name, finding.category, finding.location, finding.item});
+                rows.removeRow(i);
+            }
+            lvEasy.ListItems.erase(lvEasy.ListItems.begin() + static_cast<std::ptrdiff_t>(row));
+            RemoveName(List1.Names(), name);
+            PhoneHome(name, 2);
+        }
+        WriteExclusions();
+        ShowCount();
+    });
+}
+
+void FrmDetails::Image5_MouseDown(int button) {
+    if (button != kLeftButton) return;
+    Hide();
+    if (!frmresults().Visible) frmresults().Show();
+}
+
+void FrmDetails::ShowCount() {
+    Label1.Caption = std::to_string(lvEasy.ListItems.size()) + " " + Lng(kThreatsWord);
+}
+
+void FrmDetails::SelectFirst() {
+    for (std::size_t i = 0; i < lvEasy.ListItems.size(); ++i)
+        lvEasy.ListItems[i].Selected = i == 0;
 }
 
 FrmDetails& frmdetails() {

@@ -39,9 +39,33 @@ class FrmDetails : public ui::Form {
   public:
     FrmDetails();
 
+    void Form_Load() override;
+    // The categories of a threat from its item-list line, as words of the language.
+    std::string GetItemDetail(std::string& name);
+    // One lvEasy row per threat of lvDetails, in order of first finding.
+    void LoadEasy();
+    // Keeps only the rows of the level Combo1 shows (all of them for "all levels").
+    void Filter();
+    void Combo1_Click();
+    void lvEasy_ColumnClick(int column);
+    void Image1_MouseDown(int button);  // remove everything
+    void Image2_MouseDown(int button);  // remove the selected threats
+    void Image4_MouseDown(int button);  // allow the selected threats
+    void Image5_MouseDown(int button);  // back to the results
+
     ScumListView lvDetails{*this, "lvDetails", ScumListOfRun()};  // hidden
     ui::ListView lvEasy{*this, "lvEasy"};                         // name, categories, threat level
     ThreatNameListView List1{*this, "List1", List1OfRun()};       // hidden
+    ui::ComboBox Combo1{*this, "Combo1"};                         // the level filter
+    ui::Label Label1{*this, "Label1"};                            // the count of threats
+    ui::ImageButton Image1{*this, "Image1"};
+    ui::ImageButton Image2{*this, "Image2"};
+    ui::ImageButton Image4{*this, "Image4"};
+    ui::ImageButton Image5{*this, "Image5"};
+
+  private:
+    void ShowCount();
+    void SelectFirst();
 };
 
 FrmDetails& frmdetails();
