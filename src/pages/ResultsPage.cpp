@@ -19,6 +19,7 @@ namespace {
 
 constexpr int kPicturePressed = 15;
 constexpr int kCancelPressed = 16;
+constexpr int kDetailsPressed = 17;
 constexpr int kNoNumber = -1;  // the pieces of a summary without a count
 
 // The summary's pieces: message numbers, with the count after the first where it stands.
@@ -41,6 +42,7 @@ void Navigate(F&& step) {
 
 FrmResults::FrmResults() : Form("frmresults") {
     Image3.Click = [this] { cmdBlock_Click(); };
+    Image2.Click = [this] { lbl1_Click(); };
     Image4.Click = [this] { cmdCancel_Click(); };
     Image5.Click = [this] { RunScanAgain(); };
     Label1.Click = [this] { RunScanAgain(); };
@@ -57,6 +59,18 @@ void FrmResults::cmdCancel_Click() {
     Image4.Picture = kCancelPressed;
     Hide();
     ui::Unload(*this);
+}
+
+void FrmResults::lbl1_Click() {
+    Image2.Picture = kDetailsPressed;
+    ui::DoEvents();
+    Hide();
+    FrmDetails& details = frmdetails();
+    if (!details.Combo1.Items.empty()) details.Combo1.Text = details.Combo1.Items.front();
+    details.Filter();
+    details.LoadEasy();
+    details.Filter();
+    details.Show();
 }
 
 // Navigating stays raised through the new scan, which brings this page back at its end.

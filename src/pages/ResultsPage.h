@@ -21,9 +21,12 @@ class FrmResults : public ui::Form {
     void cmdCancel_Click();
     // "Run Scan Again" (Image5 and Label1): a new scan in place of this page.
     void RunScanAgain();
+    // The details link (Image2): the item list with every level shown.
+    void lbl1_Click();
 
     ui::Label lbl2{*this, "lbl2"};            // heading
     ui::Label lbl3{*this, "lbl3"};            // summary
+    ui::ImageButton Image2{*this, "Image2"};  // details
     ui::ImageButton Image3{*this, "Image3"};  // remove
     ui::ImageButton Image4{*this, "Image4"};  // cancel
     ui::Label Label1{*this, "Label1"};        // "Run Scan Again"

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "pages/ResultsPage.h"
+
 #include "core/AppState.h"
 #include "definitions/DefinitionTables.h"
 #include "scan/Recorder.h"
@@ -93,6 +95,12 @@ TEST_F(DetailsPageTest, TheThreatListFiltersByLevelAndSorts) {
     EXPECT_EQ(Easy(),
               "Spy| Adware, Keylogger|Medium* Short|Unclassified|Low Other|Unclassified|Low ");
     EXPECT_EQ(ScumListOfRun().count(), 4);
+
+    Pick("Low");  // the results page's link comes back to every level
+    frmresults().Image2.Click();
+    EXPECT_EQ(Easy(),
+              "Spy| Adware, Keylogger|Medium* Other|Unclassified|Low Short|Unclassified|Low ");
+    EXPECT_TRUE(frmdetails().Visible && !frmresults().Visible);
 }
 
 TEST_F(DetailsPageTest, PickedThreatsAreAllowedWithEveryFindingOrRemovedByName) {
