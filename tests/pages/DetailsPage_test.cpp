@@ -4,10 +4,9 @@
 
 #include <algorithm>
 
-#include "pages/ResultsPage.h"
-
 #include "core/AppState.h"
 #include "definitions/DefinitionTables.h"
+#include "pages/ResultsPage.h"
 #include "scan/Recorder.h"
 #include "stores/AllowedItems.h"
 #include "support/MemoryFixture.h"
