@@ -20,6 +20,7 @@ namespace {
 constexpr int kPictureDown = 2;
 constexpr int kPictureNormal = 0;
 constexpr int kHourglass = 11;
+constexpr int kExplanation = 1241;  // what the window restores and deletes
 constexpr int kArrow = 0;
 constexpr int kLeftButton = 1;
 constexpr int kRestoreAction = 3;
@@ -104,6 +105,7 @@ void FrmBlocked::Form_Load() {
     LoadBackupDat();
     DisplayRollback();
     LoadData();
+    rt1.Caption = Lng(kExplanation);
     SelectFirstThreat();
 }
 
@@ -191,9 +193,7 @@ void FrmBlocked::Image4_MouseDown(int button) {
 }
 
 void FrmBlocked::lvback_ColumnClick(int column) {
-    ui::Host().SetMousePointer(kHourglass);
-    ui::DoSort(lvback, column, ui::NextSortOrder(lvback, column));
-    ui::Host().SetMousePointer(kArrow);
+    ui::SortOnColumnClick(lvback, column);
 }
 
 void FrmBlocked::CheckThreat(const std::string& threat) {

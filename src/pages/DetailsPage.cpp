@@ -164,9 +164,7 @@ void FrmDetails::Combo1_Click() {
 }
 
 void FrmDetails::lvEasy_ColumnClick(int column) {
-    ui::Host().SetMousePointer(ui::pointer::kHourglass);
-    ui::DoSort(lvEasy, column, ui::NextSortOrder(lvEasy, column));
-    ui::Host().SetMousePointer(ui::pointer::kArrow);
+    ui::SortOnColumnClick(lvEasy, column);
 }
 
 void FrmDetails::Image1_MouseDown(int button) {

@@ -12,6 +12,7 @@ namespace orvex {
 namespace {
 
 constexpr int kLeftButton = 1;
+constexpr int kExplanation = 1240;  // what the allowed list does and how to undo it
 constexpr int kPictureDown = 2;
 constexpr int kShowNormal = 1;
 
@@ -49,12 +50,15 @@ FrmExclude::FrmExclude() : Form("frmexclude") {
     Image1.Click = [this] { Image1_MouseDown(kLeftButton); };
     Image2.Click = [this] { Image2_MouseDown(kLeftButton); };
     Image15.Click = [this] { Image15_MouseDown(kLeftButton); };
+    lvE1.ColumnClick = [this](int column) { ui::SortOnColumnClick(lvE1, column); };
+    lvExclusion.ColumnClick = [this](int column) { ui::SortOnColumnClick(lvExclusion, column); };
 }
 
 void FrmExclude::Form_Load() {
     LoadExclusion();
     DisplayExclusions();
     LoadData();
+    rt1.Caption = Lng(kExplanation);
 }
 
 void FrmExclude::LoadData() {

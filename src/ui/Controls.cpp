@@ -5,6 +5,7 @@
 
 #include "platform/AnsiCase.h"
 #include "ui/Form.h"
+#include "ui/UiHost.h"
 
 namespace orvex::ui {
 
@@ -54,9 +55,11 @@ void DoSort(ListView& list, int column, int order) {
                      });
 }
 
-int NextSortOrder(const ListView& list, int column) {
+void SortOnColumnClick(ListView& list, int column) {
     const bool ascendingNow = list.SortKey == column && list.SortOrder == kSortAscending;
-    return ascendingNow ? kSortDescending : kSortAscending;
+    Host().SetMousePointer(pointer::kHourglass);
+    DoSort(list, column, ascendingNow ? kSortDescending : kSortAscending);
+    Host().SetMousePointer(pointer::kArrow);
 }
 
 }  // namespace orvex::ui

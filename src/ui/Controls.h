@@ -214,9 +214,9 @@ inline constexpr int kSortDescending = 4;
 // Sorts the rows as plain text by `column` (0 the text, n column n), ignoring case, as the
 // list control sorts; rows that compare equal keep their order.
 void DoSort(ListView& list, int column, int order);
-// The order a click on `column` asks for: the other way round when the list is already
-// sorted by it in ascending order.
-int NextSortOrder(const ListView& list, int column);
+// A click on the head of `column`: ascending, or the other way round when the list is
+// already sorted by it in ascending order; the hourglass shows meanwhile.
+void SortOnColumnClick(ListView& list, int column);
 
 class ListBox : public Control {
   public:

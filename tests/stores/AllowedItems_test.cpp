@@ -100,6 +100,10 @@ TEST_F(AllowedItemsTest, TheWindowListsThreatsOnceAndOnlyKnownKinds) {
     EXPECT_EQ(form.lvExclusion.ListItems[1].SubItems,
               (Lines{"Registry(Value)", "HKEY_CURRENT_USER\\S", "v"}));
     EXPECT_EQ(Texts(form.lvE1), (Lines{"Spy", "Ad"}));
+    form.lvE1.ColumnClick(0);
+    EXPECT_EQ(Texts(form.lvE1), (Lines{"Ad", "Spy"}));
+    form.lvE1.ColumnClick(0);  // the same head again turns the order round
+    EXPECT_EQ(Texts(form.lvE1), (Lines{"Spy", "Ad"}));
 }
 
 TEST_F(AllowedItemsTest, TakingAThreatOffWithTheLeftButtonRemovesAllItsRecords) {
