@@ -4,8 +4,7 @@
 #include "core/AppState.h"
 #include "core/ErrorHandler.h"
 #include "core/Text.h"
-#include "platform/FileHelper.h"
-#include "platform/Platform.h"
+#include "pages/HelpFile.h"
 #include "stores/AllowedItems.h"
 
 namespace orvex {
@@ -14,7 +13,6 @@ namespace {
 constexpr int kLeftButton = 1;
 constexpr int kExplanation = 1240;  // what the allowed list does and how to undo it
 constexpr int kPictureDown = 2;
-constexpr int kShowNormal = 1;
 
 const std::string& SubItem(const ui::ListItem& row, std::size_t column) {
     static const std::string kEmpty;
@@ -95,10 +93,7 @@ void FrmExclude::Image2_MouseDown(int button) {
 }
 
 void FrmExclude::Image15_MouseDown(int button) {
-    if (button != kLeftButton) return;
-    const std::string help = App().AppPath + "\\ovshelp.chm";
-    if (platform::FileHelper().FileExists(help))
-        platform::Sys().shellExecute("Open", help, "", kShowNormal);
+    if (button == kLeftButton) OpenHelpFile();
 }
 
 FrmExclude& frmexclude() {

@@ -7,7 +7,9 @@
 #include "core/ErrorHandler.h"
 #include "core/TextFile.h"
 #include "logs/LogFile.h"
+#include "pages/HelpFile.h"
 #include "platform/FileHelper.h"
+#include "platform/Platform.h"
 #include "ui/UiHost.h"
 
 namespace orvex {
@@ -24,9 +26,53 @@ bool TrimHead(std::string& text, std::size_t limit) {
     return true;
 }
 
+constexpr int kLeftButton = 1;
+constexpr int kPictureDown = 2;
+
 }  // namespace
 
-FrmLog::FrmLog() : Form("frmlog") {}
+FrmLog::FrmLog() : Form("frmlog") {
+    Text1.Container = &Picture1;
+    Text2.Container = &Picture2;
+    Picture2.Visible = false;
+    Image1.Click = [this] { Image1_MouseDown(kLeftButton); };
+    Image2.Click = [this] { Image2_MouseDown(kLeftButton); };
+    Image3.Click = [this] { Image3_Click(); };
+    Image6.Click = [this] { ShowPage(2); };
+    Image7.Click = [this] { ShowPage(1); };
+    Image15.Click = [this] { Image15_MouseDown(kLeftButton); };
+}
+
+void FrmLog::Image1_MouseDown(int button) {
+    if (button != kLeftButton) return;
+    Image1.Picture = kPictureDown;
+    const std::string log = App().AppPath + "\\logged.txt";
+    if (platform::FileHelper().FileExists(log)) platform::Files().remove(log);
+    LoadLogs();
+}
+
+void FrmLog::Image2_MouseDown(int button) {
+    if (button != kLeftButton) return;
+    Image2.Picture = kPictureDown;
+    if (platform::FileHelper().FileExists(ErrorLogPath())) platform::Files().remove(ErrorLogPath());
+    Text2.SetText("");
+}
+
+void FrmLog::Image3_Click() {
+    Image3.Picture = kPictureDown;
+    Hide();
+    ui::DoEvents();
+    ui::Unload(*this);
+}
+
+void FrmLog::Image15_MouseDown(int button) {
+    if (button == kLeftButton) OpenHelpFile();
+}
+
+void FrmLog::ShowPage(int page) {
+    Picture1.Visible = page == 1;
+    Picture2.Visible = page == 2;
+}
 
 void FrmLog::Form_Load() {
     LoadLogs();

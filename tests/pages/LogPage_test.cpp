@@ -101,5 +101,26 @@ TEST_F(LogPageTest, ALogThatCannotBeReadIsReportedAndTheViewGoesOn) {
     EXPECT_EQ(host.MousePointer(), ui::pointer::kArrow);
 }
 
+// The buttons empty each log for good, turn the two pages and close the window.
+TEST_F(LogPageTest, TheButtonsEmptyEachLogTurnThePagesAndClose) {
+    std::int32_t index = 0;
+    ScanLogWrite("C:\\", "a.exe", "suspect", "A", "FileSystem", VbTrue, index);
+    files.addFile(kErrorLog, "Error [ 5 ]:\r\n");
+    FrmLog& log = frmlog();
+    ASSERT_FALSE(log.Text1.Text().empty() || log.Text2.Text().empty());
+    log.Image1_MouseDown(2);  // the right button does nothing
+    EXPECT_TRUE(files.exists(kLoggedTxt));
+    log.Image1.Click();
+    EXPECT_TRUE(log.Text1.Text().empty() && !files.exists(kLoggedTxt));
+    log.Image2.Click();
+    EXPECT_TRUE(log.Text2.Text().empty() && !files.exists(kErrorLog));
+    log.Image6.Click();
+    EXPECT_TRUE(log.Picture2.Visible && !log.Picture1.Visible);
+    log.Image7.Click();
+    EXPECT_TRUE(log.Picture1.Visible && !log.Picture2.Visible);
+    log.Image3.Click();
+    EXPECT_FALSE(ui::IsLoaded<FrmLog>());
+}
+
 }  // namespace
 }  // namespace orvex
