@@ -8,7 +8,6 @@
 #include "core/AppState.h"
 #include "core/ErrorHandler.h"
 #include "core/Text.h"
-#include "definitions/DefinitionTables.h"
 #include "logs/UsageReport.h"
 #include "pages/RemovalPage.h"
 #include "pages/ResultsPage.h"
@@ -22,64 +21,12 @@ namespace {
 constexpr const char* kModule = "frmdetails";
 constexpr int kAllLevels = 65;
 constexpr int kFirstLevelText = 87;  // 87 to 91, by icon 1 to 5 or 6 to 10
-constexpr int kUnclassified = 111;
 constexpr int kThreatsWord = 66;
 constexpr int kLeftButton = 1;
-
-// The words of the definitions' categories and the messages that show them.
-constexpr std::pair<const char*, int> kCategoryWords[] = {{"Adware", 1193},
-                                                          {"Cookies", 1194},
-                                                          {"Homepage Hijacker", 1195},
-                                                          {"Searchpage Hijacker", 1196},
-                                                          {"Rogue Activex", 1197},
-                                                          {"Drive by Download", 1198},
-                                                          {"BHO", 1199},
-                                                          {"Emailer", 1200},
-                                                          {"Keylogger", 1201},
-                                                          {"Dialer", 1202},
-                                                          {"Rat", 1203},
-                                                          {"Retrospy", 1204},
-                                                          {"Trojan", 1205},
-                                                          {"Malware", 1206},
-                                                          {"Thiefware", 1207},
-                                                          {"Dataminer", 1208},
-                                                          {"Spyware", 1209},
-                                                          {"Surveillance Software", 1227}};
-
-std::string CategoryText(const std::string& word) {
-    for (const auto& [known, message] : kCategoryWords)
-        if (word == known) return Lng(message);
-    return "";
-}
 
 std::string LevelText(int icon) {
     if (icon < 1 || icon > 10) return "";
     return Lng(kFirstLevelText + (icon - 1) % 5);
-}
-
-// The line's fields, or none when it has fewer than `least`.
-std::vector<std::string> Fields(const std::string& line, std::size_t least) {
-    std::vector<std::string> fields = Split(line, "|");
-    return fields.size() >= least ? fields : std::vector<std::string>{};
-}
-
-std::string CategoryCodes(const std::string& name) {
-    const TextTable& lines = Definitions().ItemListDefs;
-    for (std::int32_t i = 0; i < lines.Count; ++i) {
-        const auto fields = Fields(lines[static_cast<std::size_t>(i)], 3);
-        if (!fields.empty() && LCase(fields[0]) == LCase(name) && !fields[2].empty())
-            return fields[2];
-    }
-    return "";
-}
-
-std::string CategoryWord(char code) {
-    const TextTable& lines = Definitions().DescriptionDefs;
-    for (std::int32_t i = 0; i < lines.Count; ++i) {
-        const auto fields = Fields(lines[static_cast<std::size_t>(i)], 2);
-        if (!fields.empty() && fields[0] == std::string(1, code)) return fields[1];
-    }
-    return "";
 }
 
 void RemoveName(ThreatNameList& names, const std::string& name) {
@@ -111,21 +58,6 @@ void FrmDetails::Form_Load() {
     Combo1.Text = Combo1.Items[0];
 }
 
-std::string FrmDetails::GetItemDetail(std::string& name) {
-    std::string result;
-    Procedure proc(kModule, "GetItemDetail");
-    proc.Run([&] {
-        // A code without a description line adds nothing.
-        for (char code : CategoryCodes(name)) {
-            const std::string word = CategoryWord(code);
-            if (!word.empty()) result += " " + CategoryText(word) + ",";
-        }
-        if (!result.empty() && result.back() == ',') result.pop_back();
-        if (result.empty()) result = Lng(kUnclassified);
-    });
-    return result;
-}
-
 void FrmDetails::LoadEasy() {
     Procedure proc(kModule, "LoadEasy");
     proc.Run([&] {
@@ -135,10 +67,9 @@ void FrmDetails::LoadEasy() {
             for (const ui::ListItem& row : lvEasy.ListItems)
                 listed = listed || row.Text == finding.name;
             if (listed) continue;  // the level of the first finding stands
-            std::string name = finding.name;
             ui::ListItem threat;
-            threat.Text = name;
-            threat.SubItems = {GetItemDetail(name), LevelText(finding.icon)};
+            threat.Text = finding.name;
+            threat.SubItems = {GetItemDetail(finding.name), LevelText(finding.icon)};
             lvEasy.ListItems.push_back(std::move(threat));
         }
         ShowCount();

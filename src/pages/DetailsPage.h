@@ -40,8 +40,6 @@ class FrmDetails : public ui::Form {
     FrmDetails();
 
     void Form_Load() override;
-    // The categories of a threat from its item-list line, as words of the language.
-    std::string GetItemDetail(std::string& name);
     // One lvEasy row per threat of lvDetails, in order of first finding.
     void LoadEasy();
     // Keeps only the rows of the level Combo1 shows (all of them for "all levels").
