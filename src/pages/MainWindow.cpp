@@ -55,6 +55,9 @@ FrmMain::FrmMain() : Form("frmmain") {
     lvFiles.Visible = false;
     txtScheduleCmd.Visible = false;
     txtScheduleCmd.Change = [this] { txtScheduleCmd_Change(); };
+    Image2.SetPictures(1, 3, 2);
+    Image3.SetPictures(4, 6, 5);
+    Image4.SetPictures(11, 13, 12);
     LanguageEntry(0).Visible = false;
 }
 

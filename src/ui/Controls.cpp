@@ -1,4 +1,5 @@
-// Controls.cpp: control registration, the text box's change event and list sorting.
+// Controls.cpp: control registration, image buttons following the mouse, the text box's
+// change event and list sorting.
 #include "ui/Controls.h"
 
 #include <algorithm>
@@ -19,6 +20,36 @@ std::string RichTextBox::Text() const {
     for (const TextRun& run : Runs)
         text += run.Text;
     return text;
+}
+
+void ImageButton::SetPictures(int normal, int over, int down) {
+    NormalPicture = normal;
+    OverPicture = over;
+    DownPicture = down;
+    Picture = normal;
+}
+
+void ImageButton::OnMouseMove() {
+    if (OverPicture != 0) Picture = OverPicture;
+    if (MouseMove) MouseMove();
+}
+
+void ImageButton::OnMouseDown(int button) {
+    constexpr int kLeftButton = 1;
+    if (button != kLeftButton) return;
+    if (DownPicture != 0) Picture = DownPicture;
+    if (Click) Click();
+}
+
+void ImageButton::OnMouseUp() {
+    if (NormalPicture != 0) Picture = NormalPicture;
+    if (MouseUp) MouseUp();
+}
+
+void ShowNormalPictures(Form& form) {
+    for (Control* control : form.Controls())
+        if (auto* button = dynamic_cast<ImageButton*>(control); button && button->NormalPicture)
+            button->Picture = button->NormalPicture;
 }
 
 void TextBox::SetText(std::string text) {

@@ -57,11 +57,24 @@ class Label : public Control {
 class ImageButton : public Control {
   public:
     using Control::Control;
+    // Its pictures: normal, under the mouse ("_over") and pressed ("_down"); 0 for a picture
+    // the button does not change by itself.
+    void SetPictures(int normal, int over, int down);
+    // The mouse events as the window passes them on: the pictures follow the mouse, and the
+    // command runs on the press of the left button (1) only, not on its release.
+    void OnMouseMove();
+    void OnMouseDown(int button);
+    void OnMouseUp();
+
     int Picture = 0;
+    int NormalPicture = 0, OverPicture = 0, DownPicture = 0;
     std::function<void()> Click;
     std::function<void()> MouseMove;
     std::function<void()> MouseUp;
 };
+
+// A mouse move over the form or one of its pages: every image button shows its normal picture.
+void ShowNormalPictures(Form& form);
 
 // A picture that may hold other controls, as the pages of a paged form do.
 class PictureBox : public Control {

@@ -37,6 +37,26 @@ TEST_F(MainWindowTest, ActionsLoadsAllowedListDefinitionsAndBackupsAndCreatesThe
     EXPECT_EQ(host.MousePointer(), ui::pointer::kArrow);
 }
 
+// The pictures follow the mouse, and the command runs on the left button's press.
+TEST_F(MainWindowTest, ImageButtonsFollowTheMouseAndActOnTheLeftPress) {
+    ui::ImageButton& scan = frmmain().Image2;
+    int pressed = 0;
+    scan.Click = [&] { ++pressed; };
+    std::vector<int> pictures{scan.Picture};
+    scan.OnMouseMove();
+    pictures.push_back(scan.Picture);
+    scan.OnMouseDown(2);
+    pictures.push_back(scan.Picture);
+    scan.OnMouseDown(1);
+    pictures.push_back(scan.Picture * 10 + pressed);
+    scan.OnMouseUp();
+    pictures.push_back(scan.Picture * 10 + pressed);
+    frmmain().Image3.OnMouseMove();
+    ui::ShowNormalPictures(frmmain());
+    pictures.push_back(frmmain().Image3.Picture);
+    EXPECT_EQ(pictures, (std::vector<int>{1, 3, 3, 21, 11, 4}));
+}
+
 // The language menu lists the files, ticks the one in use, and a confirmed choice applies the
 // file to every loaded form and is kept; form captions change, messages wait for a restart.
 TEST_F(MainWindowTest, TheLanguageMenuListsTheFilesAndAConfirmedChoiceTranslatesTheForms) {
