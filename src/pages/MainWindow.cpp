@@ -95,6 +95,7 @@ void FrmMain::MLSFillMenuLanguages() {
 }
 
 void FrmMain::mnuLanguage_Click(int Index) {
+    if (Index < 0 || static_cast<std::size_t>(Index) >= mnuLanguage.size()) return;
     Procedure proc("frmmain", "mnuLanguage_Click");
     proc.Run([&] {
         const int answer =
@@ -102,7 +103,7 @@ void FrmMain::mnuLanguage_Click(int Index) {
         if (answer != ui::msgbox::kYes) return;
         for (const auto& item : mnuLanguage)
             item->Checked = false;
-        ui::MenuItem& chosen = *mnuLanguage.at(static_cast<std::size_t>(Index));
+        ui::MenuItem& chosen = *mnuLanguage[static_cast<std::size_t>(Index)];
         chosen.Checked = true;
         CurrentLanguage() = chosen.Caption;
         for (ui::Form* form : ui::LoadedForms())
