@@ -9,6 +9,7 @@
 #include "core/ErrorHandler.h"
 #include "core/Text.h"
 #include "logs/UsageReport.h"
+#include "pages/DetailedPage.h"
 #include "pages/RemovalPage.h"
 #include "pages/ResultsPage.h"
 #include "removal/RemovalDriver.h"
@@ -48,6 +49,7 @@ FrmDetails::FrmDetails() : Form("frmdetails") {
     lvEasy.Checkboxes = true;
     Combo1.Click = [this] { Combo1_Click(); };
     lvEasy.ColumnClick = [this](int column) { lvEasy_ColumnClick(column); };
+    lvEasy.DblClick = [this] { ShowDetailed(); };
 }
 
 void FrmDetails::Form_Load() {
@@ -146,6 +148,21 @@ void FrmDetails::Image2_MouseDown(int button) {
         BlockAll("");
         ShowCount();
     });
+}
+
+void FrmDetails::Image3_MouseDown(int button) {
+    if (button == kLeftButton) ShowDetailed();
+}
+
+void FrmDetails::ShowDetailed() {
+    for (ui::ListItem& row : lvEasy.ListItems) {
+        if (!row.Selected || row.SubItems.empty()) continue;
+        FrmDetailed& detailed = frmdetailed();
+        detailed.Label1.Caption = row.Text;
+        detailed.Display(row.SubItems[0]);
+        detailed.Show();
+        return;
+    }
 }
 
 void FrmDetails::Image4_MouseDown(int button) {

@@ -48,6 +48,7 @@ class FrmDetails : public ui::Form {
     void lvEasy_ColumnClick(int column);
     void Image1_MouseDown(int button);  // remove everything
     void Image2_MouseDown(int button);  // remove the selected threats
+    void Image3_MouseDown(int button);  // explain the selected threat's categories
     void Image4_MouseDown(int button);  // allow the selected threats
     void Image5_MouseDown(int button);  // back to the results
 
@@ -58,11 +59,13 @@ class FrmDetails : public ui::Form {
     ui::Label Label1{*this, "Label1"};                            // the count of threats
     ui::ImageButton Image1{*this, "Image1"};
     ui::ImageButton Image2{*this, "Image2"};
+    ui::ImageButton Image3{*this, "Image3"};
     ui::ImageButton Image4{*this, "Image4"};
     ui::ImageButton Image5{*this, "Image5"};
 
   private:
     void ShowCount();
+    void ShowDetailed();
     void SelectFirst();
 };
 

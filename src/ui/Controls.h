@@ -106,6 +106,7 @@ class RichTextBox : public Control {
     std::string Text() const;
 
     std::vector<TextRun> Runs;
+    bool Locked = false;  // the user can select and copy, not edit
     bool SelBold = false;
     bool SelBullet = false;
     int SelFontSize = 8;

@@ -6,6 +6,7 @@
 
 #include "core/AppState.h"
 #include "definitions/DefinitionTables.h"
+#include "pages/DetailedPage.h"
 #include "pages/ResultsPage.h"
 #include "scan/Recorder.h"
 #include "stores/AllowedItems.h"
@@ -100,6 +101,29 @@ TEST_F(DetailsPageTest, TheThreatListFiltersByLevelAndSorts) {
     EXPECT_EQ(Easy(),
               "Spy| Adware, Keylogger|Medium* Other|Unclassified|Low Short|Unclassified|Low ");
     EXPECT_TRUE(frmdetails().Visible && !frmresults().Visible);
+}
+
+// Each category of the picked threat gets a heading and its explanation; Cookies, Retrospy and
+// anything unknown get the default, since the table has nothing for them.
+TEST_F(DetailsPageTest, TheDetailViewExplainsEachCategoryOfThePickedThreat) {
+    for (const auto& [n, text] : {std::pair(1192, "shows ads"),
+                                  {1177, "records keys"},
+                                  {1194, "Cookies"},
+                                  {1204, "Retrospy"},
+                                  {1184, "spies"}})
+        LngArray()[n] = text;
+    Pick("All");
+    frmdetails().Image3_MouseDown(1);
+    EXPECT_EQ(frmdetailed().Label1.Caption, "Spy");
+    EXPECT_EQ(frmdetailed().rtbdetail.Text(),
+              "Adware:     shows ads\r\n\r\nKeylogger:     records keys\r\n\r\n");
+    EXPECT_TRUE(frmdetailed().rtbdetail.Runs[0].Bold && !frmdetailed().rtbdetail.Runs[1].Bold);
+    std::string texts;
+    for (std::string category : {" Cookies", "Retrospy", "LngArray(1204)", "Unclassified", "?"})
+        texts += frmdetailed().GetItemDetail(category) + "|";
+    EXPECT_EQ(texts,
+              " No details available.| No details available.|spies|"
+              " No details available.| No details available.|");
 }
 
 TEST_F(DetailsPageTest, PickedThreatsAreAllowedWithEveryFindingOrRemovedByName) {
