@@ -1,7 +1,9 @@
 #include "pages/MainWindow.h"
 
 #include "core/AppState.h"
+#include "core/Version.h"
 #include "definitions/DefinitionCompiler.h"
+#include "pages/AboutBox.h"
 #include "stores/AllowedItems.h"
 #include "stores/BackupStore.h"
 #include "support/MemoryFixture.h"
@@ -35,6 +37,15 @@ TEST_F(MainWindowTest, ActionsLoadsAllowedListDefinitionsAndBackupsAndCreatesThe
     EXPECT_TRUE(registry.hasKey(platform::Hive::LocalMachine, "Software\\Norvani\\Orvex Sentry"));
     EXPECT_TRUE(frmmain().Image2.Enabled);
     EXPECT_EQ(host.MousePointer(), ui::pointer::kArrow);
+}
+
+TEST_F(MainWindowTest, TheAboutBoxShowsTheVersionsAsTheyStandAndCloses) {
+    App().StaticDefinitionVer = "3";
+    EXPECT_EQ(frmHelp().lbl1.Caption + "|" + frmHelp().lbl2.Caption + "|" + frmHelp().lbl3.Caption,
+              std::to_string(kVersion.major) + "." + std::to_string(kVersion.minor) + "." +
+                  std::to_string(kVersion.revision) + "||3");
+    frmHelp().Image1.Click();
+    EXPECT_FALSE(ui::IsLoaded<FrmHelp>());
 }
 
 // The pictures follow the mouse, and the command runs on the left button's press.
